@@ -1,0 +1,78 @@
+#include "corvane/observation/observation_registrar.hpp"
+
+#include "corvane/observation/observation_tracking.hpp"
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace corvane {
+
+struct ObservationRegistrar::Storage {
+  struct KeySignals {
+    boost::signals2::signal<void()> willSet;
+    boost::signals2::signal<void()> didSet;
+  };
+
+  // Signals live behind shared pointers so that they can be fired outside the lock while
+  // another thread adds a key.
+  std::shared_ptr<KeySignals> find(std::string_view key) {
+    std::lock_guard lock(mutex);
+    auto found = keys.find(key);
+    return found == keys.end() ? nullptr : found->second;
+  }
+
+  std::shared_ptr<KeySignals> findOrCreate(std::string_view key) {
+    std::lock_guard lock(mutex);
+    auto found = keys.find(key);
+    if (found != keys.end()) return found->second;
+    return keys.emplace(std::string(key), std::make_shared<KeySignals>()).first->second;
+  }
+
+  std::mutex mutex;
+  std::map<std::string, std::shared_ptr<KeySignals>, std::less<>> keys;
+  boost::signals2::signal<void()> objectWillChange;
+};
+
+ObservationRegistrar::~ObservationRegistrar() {
+  detail::AccessRecorder::forgetRegistrar(*this);
+  delete storage_.load(std::memory_order_acquire);
+}
+
+ObservationRegistrar::Storage& ObservationRegistrar::storage() {
+  Storage* existing = storage_.load(std::memory_order_acquire);
+  if (existing) return *existing;
+  auto created = std::make_unique<Storage>();
+  if (storage_.compare_exchange_strong(existing, created.get(), std::memory_order_acq_rel)) {
+    return *created.release();
+  }
+  return *existing;  // another thread won the race
+}
+
+void ObservationRegistrar::access(std::string_view key) const { detail::AccessRecorder::recordAccess(*this, key); }
+
+void ObservationRegistrar::willSet(std::string_view key) {
+  Storage* storage = storage_.load(std::memory_order_acquire);
+  if (!storage) return;
+  storage->objectWillChange();
+  if (auto signals = storage->find(key)) signals->willSet();
+}
+
+void ObservationRegistrar::didSet(std::string_view key) {
+  Storage* storage = storage_.load(std::memory_order_acquire);
+  if (!storage) return;
+  if (auto signals = storage->find(key)) signals->didSet();
+}
+
+boost::signals2::scoped_connection ObservationRegistrar::observe(std::string_view key, std::function<void()> callback) {
+  return storage().findOrCreate(key)->didSet.connect(std::move(callback));
+}
+
+boost::signals2::connection ObservationRegistrar::onWillSet(std::string_view key, std::function<void()> handler) {
+  return storage().findOrCreate(key)->willSet.connect(std::move(handler));
+}
+
+boost::signals2::signal<void()>& ObservationRegistrar::objectWillChange() { return storage().objectWillChange; }
+
+}  // namespace corvane

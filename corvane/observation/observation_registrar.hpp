@@ -1,0 +1,90 @@
+#pragma once
+
+#include <boost/signals2/signal.hpp>
+
+#include <atomic>
+#include <functional>
+#include <string_view>
+#include <type_traits>
+
+namespace corvane {
+
+/// The observer registry of one observable object. Each observed property is a key (its
+/// name); the object reports reads with `access` and writes with `withMutation` (or the
+/// `willSet`/`didSet` pair). Announcements are synchronous on the writing thread.
+///
+/// Storage for observers is created on first use, so an object nobody observes pays one
+/// pointer. The registrar is thread-safe: objects that are written from several threads
+/// (the validation cache) may announce concurrently.
+class ObservationRegistrar {
+ public:
+  ObservationRegistrar() noexcept = default;
+  ~ObservationRegistrar();
+  ObservationRegistrar(const ObservationRegistrar&) = delete;
+  ObservationRegistrar& operator=(const ObservationRegistrar&) = delete;
+
+  /// Records a read of `key` for every `withObservationTracking` running on this thread.
+  void access(std::string_view key) const;
+
+  /// Announces that `key` is about to change: fires `objectWillChange`, then the pending
+  /// change handlers of tracking scopes that read `key`.
+  void willSet(std::string_view key);
+
+  /// Announces that `key` has changed: calls the callbacks given to `observe(key, ...)`.
+  void didSet(std::string_view key);
+
+  /// Announces a write of `key` around `mutation` (will-set, mutation, did-set) and returns
+  /// what `mutation` returns. The did-set announcement is made even when `mutation` throws.
+  template <class Mutation>
+  decltype(auto) withMutation(std::string_view key, Mutation&& mutation) {
+    willSet(key);
+    struct DidSet {
+      ObservationRegistrar* registrar;
+      std::string_view key;
+      ~DidSet() { registrar->didSet(key); }
+    } didSet{this, key};
+    return std::forward<Mutation>(mutation)();
+  }
+
+  /// Calls `callback` after every announced write of `key` (on the writing thread) until
+  /// the returned connection is destroyed or disconnected.
+  [[nodiscard]] boost::signals2::scoped_connection observe(std::string_view key, std::function<void()> callback);
+
+  /// Fired before every announced write, whatever the key.
+  boost::signals2::signal<void()>& objectWillChange();
+
+  /// Connects `handler` to the next will-set announcement of `key`; used by tracking scopes.
+  boost::signals2::connection onWillSet(std::string_view key, std::function<void()> handler);
+
+ private:
+  struct Storage;
+  Storage& storage();
+  std::atomic<Storage*> storage_{nullptr};
+};
+
+/// Base of observable classes: owns the registrar and offers the observer-facing half of
+/// its interface. Reads through a const object still record accesses.
+class Observable {
+ public:
+  /// The object's registrar.
+  ObservationRegistrar& observationRegistrar() const noexcept { return registrar_; }
+
+  /// See `ObservationRegistrar::observe`.
+  [[nodiscard]] boost::signals2::scoped_connection observe(std::string_view key, std::function<void()> callback) const {
+    return registrar_.observe(key, std::move(callback));
+  }
+
+  /// See `ObservationRegistrar::objectWillChange`.
+  boost::signals2::signal<void()>& objectWillChange() const { return registrar_.objectWillChange(); }
+
+ protected:
+  Observable() = default;
+  ~Observable() = default;
+  Observable(const Observable&) = delete;
+  Observable& operator=(const Observable&) = delete;
+
+ private:
+  mutable ObservationRegistrar registrar_;
+};
+
+}  // namespace corvane

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <boost/asio/any_io_executor.hpp>
+
+namespace corvane {
+
+/// The executor of the host's user-interface thread: where the library sends work that
+/// must happen "later, on the main queue" (published counters, resets) and where its
+/// coroutines are meant to run. Until a host installs one, this is Asio's system executor.
+boost::asio::any_io_executor mainExecutor();
+
+/// Installs the host's user-interface executor. An empty executor restores the default.
+/// Tests install an `io_context`'s executor and drain it explicitly.
+void setMainExecutor(boost::asio::any_io_executor executor);
+
+}  // namespace corvane
