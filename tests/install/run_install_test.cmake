@@ -1,0 +1,20 @@
+# Installs the build tree into WORK_DIR/prefix, configures and builds the consumer project
+# against it, and runs the consumer.
+function(run)
+  execute_process(COMMAND ${ARGV} RESULT_VARIABLE result OUTPUT_VARIABLE output ERROR_VARIABLE output)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "failed (${result}): ${ARGV}\n${output}")
+  endif()
+  set(last_output "${output}" PARENT_SCOPE)
+endfunction()
+
+file(REMOVE_RECURSE ${WORK_DIR})
+run(${CMAKE_COMMAND} --install ${CORVANE_BUILD_DIR} --prefix ${WORK_DIR}/prefix)
+run(${CMAKE_COMMAND} -S ${CONSUMER_SOURCE_DIR} -B ${WORK_DIR}/build -G ${GENERATOR}
+    -DCMAKE_PREFIX_PATH=${WORK_DIR}/prefix -DCMAKE_CXX_COMPILER_LAUNCHER=${COMPILER_LAUNCHER})
+run(${CMAKE_COMMAND} --build ${WORK_DIR}/build)
+run(${WORK_DIR}/build/consumer)
+if(NOT last_output MATCHES "corvane [0-9]+\\.[0-9]+\\.[0-9]+: App Name is 1 characters too long")
+  message(FATAL_ERROR "unexpected consumer output:\n${last_output}")
+endif()
+message(STATUS "consumer output:\n${last_output}")
