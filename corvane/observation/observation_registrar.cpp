@@ -50,7 +50,9 @@ ObservationRegistrar::Storage& ObservationRegistrar::storage() {
   return *existing;  // another thread won the race
 }
 
-void ObservationRegistrar::access(std::string_view key) const { detail::AccessRecorder::recordAccess(*this, key); }
+void ObservationRegistrar::access(std::string_view key) const {
+  detail::AccessRecorder::recordAccess(*this, key);
+}
 
 void ObservationRegistrar::willSet(std::string_view key) {
   Storage* storage = storage_.load(std::memory_order_acquire);
@@ -73,6 +75,8 @@ boost::signals2::connection ObservationRegistrar::onWillSet(std::string_view key
   return storage().findOrCreate(key)->willSet.connect(std::move(handler));
 }
 
-boost::signals2::signal<void()>& ObservationRegistrar::objectWillChange() { return storage().objectWillChange; }
+boost::signals2::signal<void()>& ObservationRegistrar::objectWillChange() {
+  return storage().objectWillChange;
+}
 
 }  // namespace corvane

@@ -35,9 +35,13 @@ struct PendingChange {
 
 }  // namespace
 
-AccessRecorder::AccessRecorder() : enclosing_(innermostRecorder) { innermostRecorder = this; }
+AccessRecorder::AccessRecorder() : enclosing_(innermostRecorder) {
+  innermostRecorder = this;
+}
 
-AccessRecorder::~AccessRecorder() { stop(); }
+AccessRecorder::~AccessRecorder() {
+  stop();
+}
 
 void AccessRecorder::stop() noexcept {
   if (!recording_) return;

@@ -6,13 +6,21 @@
 
 namespace corvane {
 
-std::string describe(std::string_view text) { return std::string(text); }
+std::string describe(std::string_view text) {
+  return std::string(text);
+}
 
-std::string describe(bool value) { return value ? "true" : "false"; }
+std::string describe(bool value) {
+  return value ? "true" : "false";
+}
 
-std::string describe(long long value) { return fmt::format("{}", value); }
+std::string describe(long long value) {
+  return fmt::format("{}", value);
+}
 
-std::string describe(unsigned long long value) { return fmt::format("{}", value); }
+std::string describe(unsigned long long value) {
+  return fmt::format("{}", value);
+}
 
 std::string describe(double value) {
   if (std::isnan(value)) return "nan";
@@ -30,13 +38,27 @@ std::string quoted(std::string_view text) {
   result += '"';
   for (char c : text) {
     switch (c) {
-      case '"': result += "\\\""; break;
-      case '\\': result += "\\\\"; break;
-      case '\n': result += "\\n"; break;
-      case '\r': result += "\\r"; break;
-      case '\t': result += "\\t"; break;
-      case '\0': result += "\\0"; break;
-      default: result += c; break;
+      case '"':
+        result += "\\\"";
+        break;
+      case '\\':
+        result += "\\\\";
+        break;
+      case '\n':
+        result += "\\n";
+        break;
+      case '\r':
+        result += "\\r";
+        break;
+      case '\t':
+        result += "\\t";
+        break;
+      case '\0':
+        result += "\\0";
+        break;
+      default:
+        result += c;
+        break;
     }
   }
   result += '"';

@@ -19,8 +19,12 @@ namespace corvane {
 
 /// The text itself, unchanged.
 std::string describe(std::string_view text);
-inline std::string describe(const std::string& text) { return text; }
-inline std::string describe(const char* text) { return std::string(text); }
+inline std::string describe(const std::string& text) {
+  return text;
+}
+inline std::string describe(const char* text) {
+  return std::string(text);
+}
 
 /// "true" or "false".
 std::string describe(bool value);
@@ -30,8 +34,7 @@ std::string describe(long long value);
 std::string describe(unsigned long long value);
 
 template <std::integral T>
-  requires(!std::same_as<T, bool> && !std::same_as<T, char>)
-std::string describe(T value) {
+requires(!std::same_as<T, bool> && !std::same_as<T, char>) std::string describe(T value) {
   if constexpr (std::is_signed_v<T>) {
     return describe(static_cast<long long>(value));
   } else {
@@ -41,11 +44,18 @@ std::string describe(T value) {
 
 /// The shortest text that reads back as the same double, with ".0" added to whole numbers.
 std::string describe(double value);
-inline std::string describe(float value) { return describe(static_cast<double>(value)); }
+inline std::string describe(float value) {
+  return describe(static_cast<double>(value));
+}
 
 /// A string in double quotes with quotes, backslashes and control characters escaped,
 /// the way list elements are shown.
 std::string quoted(std::string_view text);
+
+template <class T>
+std::string describe(const std::vector<T>& values);
+template <class T>
+std::string describe(const std::optional<T>& value);
 
 namespace detail {
 

@@ -6,8 +6,8 @@
 namespace corvane::detail {
 
 void preconditionFailure(std::string_view message, std::source_location where) {
-  std::fprintf(stderr, "Corvane: precondition failed: %.*s (%s:%u)\n", static_cast<int>(message.size()),
-               message.data(), where.file_name(), static_cast<unsigned>(where.line()));
+  std::fprintf(stderr, "Corvane: precondition failed: %.*s (%s:%u)\n", static_cast<int>(message.size()), message.data(),
+               where.file_name(), static_cast<unsigned>(where.line()));
   std::fflush(stderr);
   std::abort();
 }

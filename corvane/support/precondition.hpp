@@ -15,11 +15,11 @@ namespace corvane::detail {
 /// Aborts the process with `message` when `condition` is false. Reserved for programming
 /// errors that the library documents as fatal; everything a user can cause is reported
 /// as a value or a typed error instead.
-#define CORVANE_PRECONDITION(condition, message)            \
-  do {                                                      \
-    if (!(condition)) [[unlikely]] {                        \
-      ::corvane::detail::preconditionFailure((message));    \
-    }                                                       \
+#define CORVANE_PRECONDITION(condition, message)         \
+  do {                                                   \
+    if (!(condition)) [[unlikely]] {                     \
+      ::corvane::detail::preconditionFailure((message)); \
+    }                                                    \
   } while (false)
 
 namespace corvane {

@@ -24,6 +24,8 @@ class Url {
 };
 
 /// The URL's text.
-inline std::string describe(const Url& url) { return url.text(); }
+inline std::string describe(const Url& url) {
+  return url.text();
+}
 
 }  // namespace corvane

@@ -9,7 +9,9 @@ CapturedLines::CapturedLines() {
   });
 }
 
-CapturedLines::~CapturedLines() { setLineOutput(std::move(previous_)); }
+CapturedLines::~CapturedLines() {
+  setLineOutput(std::move(previous_));
+}
 
 std::vector<std::string> CapturedLines::lines() const {
   std::lock_guard lock(mutex_);

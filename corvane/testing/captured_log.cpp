@@ -36,7 +36,9 @@ CapturedLog::~CapturedLog() {
   setLogLevel(spdlog::level::info);
 }
 
-std::vector<LogEntry> CapturedLog::entries() const { return sink_->entries(); }
+std::vector<LogEntry> CapturedLog::entries() const {
+  return sink_->entries();
+}
 
 std::vector<std::string> CapturedLog::messages(const std::string& loggerName) const {
   std::vector<std::string> result;

@@ -1,0 +1,213 @@
+#include "corvane/observation/observation_registrar.hpp"
+#include "corvane/observation/observation_tracking.hpp"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+// A minimal observable with two properties, written the way library classes write theirs.
+class Box : public Observable {
+ public:
+  int width() const {
+    observationRegistrar().access("width");
+    return width_;
+  }
+  void setWidth(int value) {
+    observationRegistrar().withMutation("width", [&] { width_ = value; });
+  }
+  int height() const {
+    observationRegistrar().access("height");
+    return height_;
+  }
+  void setHeight(int value) {
+    observationRegistrar().withMutation("height", [&] { height_ = value; });
+  }
+
+ private:
+  int width_ = 0;
+  int height_ = 0;
+};
+
+TEST(ObservationTracking, FiresOnceBeforeTheFirstWriteToAKeyThatWasRead) {
+  Box box;
+  int calls = 0;
+  int widthSeenByHandler = -1;
+  int seen = withObservationTracking([&] { return box.width(); },
+                                     [&] {
+                                       ++calls;
+                                       widthSeenByHandler = box.width();
+                                     });
+  EXPECT_EQ(seen, 0);
+  EXPECT_EQ(calls, 0);
+
+  box.setWidth(5);
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(widthSeenByHandler, 0) << "the handler runs before the store";
+
+  box.setWidth(6);
+  EXPECT_EQ(calls, 1) << "tracking is one-shot";
+}
+
+TEST(ObservationTracking, IgnoresKeysThatWereNotRead) {
+  Box box;
+  int calls = 0;
+  withObservationTracking([&] { (void)box.width(); }, [&] { ++calls; });
+  box.setHeight(3);
+  EXPECT_EQ(calls, 0);
+  box.setWidth(3);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(ObservationTracking, EqualWritesAreStillAnnounced) {
+  Box box;
+  int calls = 0;
+  withObservationTracking([&] { (void)box.width(); }, [&] { ++calls; });
+  box.setWidth(0);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(ObservationTracking, ReadsOfSeveralObjectsShareOneHandler) {
+  Box first;
+  Box second;
+  int calls = 0;
+  withObservationTracking(
+      [&] {
+        (void)first.width();
+        (void)second.height();
+        (void)second.height();
+      },
+      [&] { ++calls; });
+  second.setHeight(1);
+  first.setWidth(1);
+  second.setHeight(2);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(ObservationTracking, NestedScopesReportInnerReadsToTheOuterScope) {
+  Box box;
+  int outer = 0;
+  int inner = 0;
+  withObservationTracking([&] { withObservationTracking([&] { (void)box.height(); }, [&] { ++inner; }); },
+                          [&] { ++outer; });
+  box.setHeight(9);
+  EXPECT_EQ(inner, 1);
+  EXPECT_EQ(outer, 1);
+}
+
+TEST(ObservationTracking, NothingReadMeansNothingFires) {
+  Box box;
+  int calls = 0;
+  withObservationTracking([] {}, [&] { ++calls; });
+  box.setWidth(1);
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(ObservationTracking, ReadsOutsideAScopeAreNotRecorded) {
+  Box box;
+  (void)box.width();  // no scope: must not leak into the next one
+  int calls = 0;
+  withObservationTracking([&] { (void)box.height(); }, [&] { ++calls; });
+  box.setWidth(2);
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(ObservationTracking, AnObjectDestroyedInsideTheScopeIsForgotten) {
+  Box survivor;
+  int calls = 0;
+  withObservationTracking(
+      [&] {
+        auto temporary = std::make_unique<Box>();
+        (void)temporary->width();
+        (void)survivor.width();
+      },
+      [&] { ++calls; });
+  survivor.setWidth(4);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(ObservationTracking, AnObjectDestroyedAfterTheScopeNeverFires) {
+  int calls = 0;
+  {
+    Box box;
+    withObservationTracking([&] { (void)box.width(); }, [&] { ++calls; });
+  }
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(ObservationTracking, AThrowingScopeInstallsNothing) {
+  Box box;
+  int calls = 0;
+  EXPECT_THROW(withObservationTracking(
+                   [&]() -> int {
+                     (void)box.width();
+                     throw std::runtime_error("boom");
+                   },
+                   [&] { ++calls; }),
+               std::runtime_error);
+  box.setWidth(1);
+  EXPECT_EQ(calls, 0);
+}
+
+TEST(ObservationObserve, CallsBackAfterEveryWriteOfItsKey) {
+  Box box;
+  std::vector<int> seen;
+  auto connection = box.observe("width", [&] { seen.push_back(box.width()); });
+  box.setWidth(1);
+  box.setHeight(7);
+  box.setWidth(1);
+  box.setWidth(2);
+  EXPECT_EQ(seen, (std::vector<int>{1, 1, 2}));
+}
+
+TEST(ObservationObserve, ADroppedConnectionNoLongerFires) {
+  Box box;
+  int calls = 0;
+  {
+    auto connection = box.observe("width", [&] { ++calls; });
+    box.setWidth(1);
+  }
+  box.setWidth(2);
+  EXPECT_EQ(calls, 1);
+
+  auto connection = box.observe("width", [&] { ++calls; });
+  connection.disconnect();
+  box.setWidth(3);
+  EXPECT_EQ(calls, 1);
+}
+
+TEST(ObservationObserve, AConnectionMayOutliveItsObject) {
+  boost::signals2::scoped_connection connection;
+  {
+    Box box;
+    connection = box.observe("width", [] {});
+  }
+  connection.disconnect();  // must not touch the destroyed registrar
+  EXPECT_FALSE(connection.connected());
+}
+
+TEST(ObservationObjectWillChange, FiresBeforeEveryAnnouncedWrite) {
+  Box box;
+  std::vector<std::pair<int, int>> before;
+  auto connection = box.objectWillChange().connect([&] { before.emplace_back(box.width(), box.height()); });
+  box.setWidth(1);
+  box.setHeight(2);
+  box.setHeight(2);
+  EXPECT_EQ(before, (std::vector<std::pair<int, int>>{{0, 0}, {1, 0}, {1, 2}}));
+}
+
+TEST(ObservationRegistrarMutation, ReturnsTheMutationsResultAndAnnouncesAThrowingWrite) {
+  ObservationRegistrar registrar;
+  int didSet = 0;
+  auto connection = registrar.observe("k", [&] { ++didSet; });
+  EXPECT_EQ(registrar.withMutation("k", [] { return 42; }), 42);
+  EXPECT_THROW(registrar.withMutation("k", []() -> int { throw std::logic_error("no"); }), std::logic_error);
+  EXPECT_EQ(didSet, 2);
+}
+
+}  // namespace
+}  // namespace corvane

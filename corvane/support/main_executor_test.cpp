@@ -1,0 +1,49 @@
+#include "corvane/support/main_executor.hpp"
+#include "corvane/support/main_queue.hpp"
+
+#include "corvane/testing/test_main_loop.hpp"
+
+#include <boost/asio/post.hpp>
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <thread>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+TEST(MainExecutor, WithoutAHostLoopWorkStillRuns) {
+  setMainExecutor({});
+  std::promise<std::thread::id> ranOn;
+  postToMain([&] { ranOn.set_value(std::this_thread::get_id()); });
+  auto future = ranOn.get_future();
+  // The system executor runs it on one of its own threads.
+  EXPECT_NE(future.get(), std::this_thread::get_id());
+}
+
+TEST(MainExecutor, InstalledLoopRunsWorkOnlyWhenDrainedAndInOrder) {
+  testing::TestMainLoop loop;
+  std::vector<int> order;
+  postToMain([&] { order.push_back(1); });
+  boost::asio::post(mainExecutor(), [&] {
+    order.push_back(2);
+    postToMain([&] { order.push_back(3); });  // work queued by work also runs in the same drain
+  });
+  EXPECT_TRUE(order.empty());
+  EXPECT_EQ(loop.drain(), 3u);
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+  EXPECT_EQ(loop.drain(), 0u);
+}
+
+TEST(MainExecutor, RemovingTheLoopRestoresTheDefault) {
+  {
+    testing::TestMainLoop loop;
+    EXPECT_EQ(mainExecutor(), boost::asio::any_io_executor(loop.context().get_executor()));
+  }
+  EXPECT_EQ(mainExecutor(), boost::asio::any_io_executor(boost::asio::system_executor()));
+}
+
+}  // namespace
+}  // namespace corvane

@@ -1,0 +1,61 @@
+#include "corvane/support/sleep.hpp"
+
+#include "corvane/testing/test_main_loop.hpp"
+
+#include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/error.hpp>
+#include <boost/asio/post.hpp>
+#include <boost/system/system_error.hpp>
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace corvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(SleepFor, SuspendsWithoutBlockingOtherWorkOnTheSameThread) {
+  testing::TestMainLoop loop;
+  std::vector<int> order;
+  boost::asio::co_spawn(
+      loop.context(),
+      [&]() -> boost::asio::awaitable<void> {
+        order.push_back(1);
+        co_await sleepFor(20ms);
+        order.push_back(3);
+      },
+      boost::asio::detached);
+  boost::asio::post(loop.context(), [&] { order.push_back(2); });
+  loop.context().run();
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3}));
+}
+
+TEST(SleepFor, CancellationEndsTheWaitWithOperationAborted) {
+  testing::TestMainLoop loop;
+  boost::asio::cancellation_signal cancel;
+  std::exception_ptr failure;
+  bool finished = false;
+  boost::asio::co_spawn(loop.context(), sleepFor(1h),
+                        boost::asio::bind_cancellation_slot(cancel.slot(), [&](std::exception_ptr error) {
+                          failure = error;
+                          finished = true;
+                        }));
+  loop.drain();  // the coroutine is now waiting on its timer
+  cancel.emit(boost::asio::cancellation_type::terminal);
+  loop.drain();
+  ASSERT_TRUE(finished);
+  ASSERT_TRUE(failure);
+  try {
+    std::rethrow_exception(failure);
+  } catch (const boost::system::system_error& error) {
+    EXPECT_EQ(error.code(), boost::asio::error::operation_aborted);
+  }
+}
+
+}  // namespace
+}  // namespace corvane
