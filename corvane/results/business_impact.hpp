@@ -1,0 +1,86 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace corvane {
+
+/// What a verdict means for the submission: it blocks it, risks a rejection, leaves the
+/// listing suboptimal, or points at a missed opportunity.
+class BusinessImpact {
+ public:
+  /// How likely the store is to reject the submission over a `rejectionRisk`.
+  enum class RejectionSeverity { high, medium, low };
+
+  /// The submission cannot go ahead; `reason` says why.
+  struct Blocker {
+    std::string reason;
+    friend bool operator==(const Blocker&, const Blocker&) = default;
+  };
+  /// The store may reject the submission.
+  struct RejectionRisk {
+    RejectionSeverity severity;
+    friend bool operator==(const RejectionRisk&, const RejectionRisk&) = default;
+  };
+  /// The listing works but could do better in `area`.
+  struct Suboptimal {
+    std::string area;
+    friend bool operator==(const Suboptimal&, const Suboptimal&) = default;
+  };
+  /// Acting on the verdict would bring `benefit`.
+  struct Opportunity {
+    std::string benefit;
+    friend bool operator==(const Opportunity&, const Opportunity&) = default;
+  };
+
+  /// The cases, in their canonical order.
+  using Value = std::variant<Blocker, RejectionRisk, Suboptimal, Opportunity>;
+
+  /// A `blocker` impact with the given reason.
+  static BusinessImpact blocker(std::string reason);
+  /// A `rejectionRisk` impact of the given severity.
+  static BusinessImpact rejectionRisk(RejectionSeverity severity);
+  /// A `suboptimal` impact on the given area.
+  static BusinessImpact suboptimal(std::string area);
+  /// An `opportunity` impact with the given benefit.
+  static BusinessImpact opportunity(std::string benefit);
+
+  /// Whether the case is `blocker`.
+  bool isBlocker() const noexcept { return std::holds_alternative<Blocker>(value_); }
+  /// Whether the case is `rejectionRisk`, of any severity.
+  bool isRejectionRisk() const noexcept { return std::holds_alternative<RejectionRisk>(value_); }
+  /// Whether the case is `rejectionRisk` with severity `high`.
+  bool isHighRejectionRisk() const noexcept;
+  /// Whether the case is `suboptimal`.
+  bool isSuboptimal() const noexcept { return std::holds_alternative<Suboptimal>(value_); }
+  /// Whether the case is `opportunity`.
+  bool isOpportunity() const noexcept { return std::holds_alternative<Opportunity>(value_); }
+
+  /// The payload of case `Case`, or null when the impact is another case.
+  template <class Case>
+  const Case* getIf() const noexcept {
+    return std::get_if<Case>(&value_);
+  }
+
+  /// The underlying variant, for exhaustive visiting.
+  const Value& value() const noexcept { return value_; }
+
+  /// Same case and equal payload.
+  friend bool operator==(const BusinessImpact&, const BusinessImpact&) = default;
+
+ private:
+  // Built in place: moving a whole variant trips a false maybe-uninitialized warning in GCC 12.
+  template <class Case>
+  explicit BusinessImpact(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
+  Value value_;
+};
+
+/// The severity's name: "high", "medium" or "low".
+std::string describe(BusinessImpact::RejectionSeverity severity);
+
+/// The case with its payload, e.g. `blocker(reason: "Required field")` or
+/// `rejectionRisk(severity: high)`.
+std::string describe(const BusinessImpact& impact);
+
+}  // namespace corvane
