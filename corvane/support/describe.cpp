@@ -65,4 +65,15 @@ std::string quoted(std::string_view text) {
   return result;
 }
 
+std::string errorDescription(const std::exception_ptr& error) {
+  if (!error) return "unknown error";
+  try {
+    std::rethrow_exception(error);
+  } catch (const std::exception& exception) {
+    return exception.what();
+  } catch (...) {
+    return "unknown error";
+  }
+}
+
 }  // namespace corvane

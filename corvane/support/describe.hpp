@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -89,6 +90,10 @@ template <class T>
 std::string describe(const std::optional<T>& value) {
   return value ? describe(*value) : std::string("nil");
 }
+
+/// The description of an error for people: `what()` of a standard exception (the library's
+/// typed errors return their description there), "unknown error" for anything else or null.
+std::string errorDescription(const std::exception_ptr& error);
 
 /// Types that `describe` can render.
 template <class T>

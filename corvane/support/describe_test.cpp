@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <stdexcept>
 
 namespace corvane {
 namespace {
@@ -62,6 +63,12 @@ namespace {
 TEST(Describe, TypesOfOtherNamespacesTakePartThroughTheirOwnOverload) {
   static_assert(Describable<custom::Point>);
   EXPECT_EQ(describe(std::vector<custom::Point>{{1, 2}, {3, 4}}), "[(1, 2), (3, 4)]");
+}
+
+TEST(ErrorDescription, UsesWhatOfStandardExceptionsOnly) {
+  EXPECT_EQ(errorDescription(std::make_exception_ptr(std::runtime_error("disk full"))), "disk full");
+  EXPECT_EQ(errorDescription(std::make_exception_ptr(42)), "unknown error");
+  EXPECT_EQ(errorDescription(nullptr), "unknown error");
 }
 
 }  // namespace
