@@ -1,0 +1,191 @@
+#pragma once
+
+#include "corvane/observation/observation_registrar.hpp"
+#include "corvane/results/validation_result.hpp"
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <initializer_list>
+#include <list>
+#include <memory>
+#include <optional>
+#include <shared_mutex>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+namespace corvane {
+
+/// Memoises verdicts under string keys, so that a validation runs again only when its
+/// inputs changed (another dependency hash) or its verdict grew older than `maxAge`.
+/// The least recently used entries are evicted beyond `maxSize`, a clean-up removes expired
+/// entries every 30 seconds, and hit and miss counts are kept for observers.
+///
+/// Every operation may be called from any thread. Lookups run `compute` while holding the
+/// cache exclusively, so `compute` must not call back into the same cache. The published
+/// size and memory figures are updated later on the main executor; `getStatistics()`
+/// reads the entries directly.
+///
+/// Observed properties: "totalRequests", "cacheHits", "cacheMisses" (announced after each
+/// change, outside the cache's lock, on the calling thread) and "cacheSize",
+/// "memoryUsage" (announced on the main executor).
+class ValidationCache : public Observable, public std::enable_shared_from_this<ValidationCache> {
+ public:
+  /// Fixed at construction.
+  struct Configuration {
+    /// The number of entries beyond which lookups evict.
+    std::int64_t maxSize = 1000;
+    /// The age in seconds up to which an entry is fresh (an entry exactly this old still is).
+    double maxAge = 60.0;
+    /// Whether requests, hits and misses are counted.
+    bool enableStatistics = true;
+
+    friend bool operator==(const Configuration&, const Configuration&) = default;
+  };
+
+  /// One cached verdict.
+  struct CacheEntry {
+    ValidationResult result;
+    /// When the entry was stored.
+    std::chrono::system_clock::time_point timestamp;
+    std::string dependencyHash;
+    /// 1 when stored, one more on every hit.
+    std::int64_t accessCount;
+    /// The cache's access sequence at the last store or hit: smaller is less recently used.
+    std::int64_t lastAccessSequence;
+
+    friend bool operator==(const CacheEntry&, const CacheEntry&) = default;
+  };
+
+  /// A snapshot of the counters.
+  struct Statistics {
+    std::int64_t totalRequests;
+    std::int64_t cacheHits;
+    std::int64_t cacheMisses;
+    /// `cacheHits / totalRequests`, or 0.0 before the first request.
+    double hitRate;
+    std::int64_t cacheSize;
+    /// The estimated memory: 250 bytes per entry.
+    std::int64_t memoryUsage;
+
+    /// Derives `hitRate` from the counts.
+    Statistics(std::int64_t totalRequests, std::int64_t cacheHits, std::int64_t cacheMisses, std::int64_t cacheSize,
+               std::int64_t memoryUsage);
+
+    friend bool operator==(const Statistics&, const Statistics&) = default;
+  };
+
+  /// What the cache reads the time from; tests pass a clock they move by hand.
+  using Clock = std::function<std::chrono::system_clock::time_point()>;
+
+  /// The estimated size of one entry in bytes.
+  static constexpr std::int64_t kBytesPerEntry = 250;
+  /// How often the clean-up runs.
+  static constexpr std::chrono::seconds kCleanupInterval{30};
+
+  /// The process-wide cache (1000 entries, 60 seconds, statistics on), created on first use
+  /// and never destroyed.
+  static ValidationCache& shared();
+
+  /// A new cache whose clean-up timer runs every 30 seconds for as long as the cache lives
+  /// (the timer does not keep it alive). Without a clock, the system clock is used.
+  static std::shared_ptr<ValidationCache> create(Configuration configuration, Clock clock = {});
+
+  ~ValidationCache();
+
+  /// The configuration given at construction.
+  const Configuration& configuration() const noexcept { return configuration_; }
+
+  /// The verdict stored under `key` if it is fresh and was computed for `dependencyHash`
+  /// (a hit); otherwise calls `compute`, stores its verdict and evicts the least recently
+  /// used entries beyond `maxSize` (a miss).
+  ValidationResult getOrCompute(std::string_view key, std::string_view dependencyHash,
+                                const std::function<ValidationResult()>& compute);
+
+  /// Like `getOrCompute`, but freshness depends on age alone and storing never evicts:
+  /// entries added here may take the cache beyond `maxSize` until a later `getOrCompute`.
+  /// On a miss, `validator(value)` is called. Choose keys that identify the value.
+  template <class T, class Validator>
+  ValidationResult validate(std::string_view key, const T& value, Validator&& validator) {
+    return validateByAge(key, [&] { return validator(value); });
+  }
+
+  /// Removes the entry under `key`, if any.
+  void invalidate(std::string_view key);
+  /// Removes every entry whose key begins with `prefix`.
+  void invalidatePrefix(std::string_view prefix);
+  /// Removes every entry. With statistics on, the request, hit and miss counters are reset
+  /// later, on the main executor.
+  void clear();
+
+  /// The counters and the current number of entries.
+  Statistics getStatistics() const;
+
+  /// A copy of the entry under `key`, without counting a request or refreshing it.
+  std::optional<CacheEntry> entry(std::string_view key) const;
+
+  /// Removes every entry older than `maxAge` and, with statistics on and at least one
+  /// request counted, prints the statistics line. The clean-up timer runs this.
+  void cleanUp();
+
+  /// Observed counters.
+  std::int64_t totalRequests() const;
+  std::int64_t cacheHits() const;
+  std::int64_t cacheMisses() const;
+  /// The number of entries, as last published on the main executor.
+  std::int64_t cacheSize() const;
+  /// The estimated memory, as last published on the main executor.
+  std::int64_t memoryUsage() const;
+  /// `cacheHits / totalRequests`, or 0.0 before the first request.
+  double hitRate() const;
+
+ private:
+  struct Passkey {};
+
+ public:
+  /// Use `create`: the clean-up timer needs the cache to be shared.
+  ValidationCache(Passkey, Configuration configuration, Clock clock);
+
+ private:
+  class CleanupTimer;
+  // The recency list points at the map's own keys, which stay put while the node lives.
+  struct Node {
+    CacheEntry entry;
+    std::list<const std::string*>::iterator recency;
+  };
+  struct KeyHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view key) const noexcept { return std::hash<std::string_view>{}(key); }
+  };
+  ValidationResult validateByAge(std::string_view key, const std::function<ValidationResult()>& compute);
+  ValidationResult lookup(std::string_view key, std::optional<std::string_view> dependencyHash,
+                          const std::function<ValidationResult()>& compute, bool evict);
+  using Map = std::unordered_map<std::string, Node, KeyHash, std::equal_to<>>;
+
+  bool isFresh(const CacheEntry& entry, std::chrono::system_clock::time_point now) const;
+  void erase(Map::iterator position);
+  void evictExcess();
+  std::int64_t nextSequence();
+  void announce(std::initializer_list<std::string_view> keys);
+  void publishSize(std::size_t entries);
+
+  const Configuration configuration_;
+  const Clock clock_;
+
+  mutable std::shared_mutex mutex_;
+  Map cache_;
+  std::list<const std::string*> recency_;  // least recently used first
+  std::int64_t accessSequence_ = 0;
+
+  std::atomic<std::int64_t> totalRequests_{0};
+  std::atomic<std::int64_t> cacheHits_{0};
+  std::atomic<std::int64_t> cacheMisses_{0};
+  std::atomic<std::int64_t> cacheSize_{0};
+  std::atomic<std::int64_t> memoryUsage_{0};
+
+  std::unique_ptr<CleanupTimer> cleanupTimer_;
+};
+
+}  // namespace corvane
