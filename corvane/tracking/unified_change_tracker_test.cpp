@@ -1,0 +1,419 @@
+#include "corvane/tracking/unified_change_tracker.hpp"
+
+#include "corvane/support/sleep.hpp"
+#include "corvane/testing/captured_lines.hpp"
+#include "corvane/testing/test_main_loop.hpp"
+#include "corvane/tracking/tracked.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+using namespace std::chrono_literals;
+
+// An entity whose state a test sets directly, and which records what was done to it.
+class FakeEntity final : public TrackableEntity {
+ public:
+  FakeEntity(std::string id, std::string name) : id_(std::move(id)), name_(std::move(name)) {}
+
+  std::string entityId() const override { return id_; }
+  std::string entityName() const override { return name_; }
+  bool hasUnsavedChanges() const override { return changed; }
+  std::string changeDescription() const override { return changed ? name_ + " edited" : ""; }
+  ValidationResult validationResult() const override { return verdict; }
+
+  boost::asio::awaitable<void> saveChanges() override {
+    events->push_back("start " + id_);
+    co_await sleepFor(saveDelay);
+    if (failure) {
+      events->push_back("fail " + id_);
+      throw std::runtime_error(*failure);
+    }
+    changed = false;
+    events->push_back("saved " + id_);
+  }
+  void discardChanges() override {
+    changed = false;
+    events->push_back("discarded " + id_);
+  }
+  std::vector<StoredProperty> storedProperties() override { return fields; }
+
+  bool changed = false;
+  ValidationResult verdict = ValidationResult::valid();
+  std::chrono::milliseconds saveDelay{0};
+  std::optional<std::string> failure;
+  std::vector<std::string>* events = &ownEvents;
+  std::vector<StoredProperty> fields;
+
+ private:
+  std::string id_;
+  std::string name_;
+  std::vector<std::string> ownEvents;
+};
+
+class UnifiedChangeTrackerTest : public ::testing::Test {
+ protected:
+  std::shared_ptr<FakeEntity> add(std::string id, std::string name) {
+    auto entity = std::make_shared<FakeEntity>(std::move(id), std::move(name));
+    entity->events = &events;
+    tracker.register_(entity);
+    return entity;
+  }
+
+  static ValidationResult failure(std::string message) {
+    return ValidationResult::failure(ValidationSeverity::error, std::move(message));
+  }
+
+  testing::TestMainLoop loop;
+  UnifiedChangeTracker tracker;
+  std::vector<std::string> events;
+};
+
+TEST_F(UnifiedChangeTrackerTest, RegistrationKeepsOrderReplacesByIdAndRaisesTheVersion) {
+  auto a = add("a", "Alpha");
+  auto b = add("b", "Beta");
+  EXPECT_EQ(tracker.stateVersion(), 2);
+  auto replacement = std::make_shared<FakeEntity>("a", "Alpha 2");
+  tracker.register_(replacement);
+  EXPECT_EQ(tracker.stateVersion(), 3);
+  auto all = tracker.registeredEntities();
+  ASSERT_EQ(all.size(), 2u);
+  EXPECT_EQ(all[0], replacement) << "a replacement keeps its place";
+  EXPECT_EQ(all[1], b);
+  EXPECT_EQ(tracker.getEntity<FakeEntity>("a"), replacement);
+  EXPECT_EQ(tracker.getEntity<FakeEntity>("zzz"), nullptr);
+
+  tracker.unregister("nobody");
+  EXPECT_EQ(tracker.stateVersion(), 4) << "unregistering an unknown id still raises the version";
+  tracker.unregister("a");
+  EXPECT_EQ(tracker.registeredEntities().size(), 1u);
+  EXPECT_EQ(tracker.stateVersion(), 5);
+
+  tracker.reset();
+  EXPECT_EQ(tracker.stateVersion(), 0);
+  EXPECT_TRUE(tracker.registeredEntities().empty());
+}
+
+TEST_F(UnifiedChangeTrackerTest, GetEntityChecksTheConcreteType) {
+  class Other final : public TrackableEntity {
+   public:
+    std::string entityId() const override { return "o"; }
+    std::string entityName() const override { return "Other"; }
+    bool hasUnsavedChanges() const override { return false; }
+    std::string changeDescription() const override { return ""; }
+    ValidationResult validationResult() const override { return ValidationResult::valid(); }
+  };
+  tracker.register_(std::make_shared<Other>());
+  EXPECT_EQ(tracker.getEntity<FakeEntity>("o"), nullptr);
+  EXPECT_NE(tracker.getEntity<TrackableEntity>("o"), nullptr);
+}
+
+TEST_F(UnifiedChangeTrackerTest, PerEntityQueriesAnswerForUnknownIdentifiers) {
+  auto a = add("a", "Alpha");
+  EXPECT_FALSE(tracker.hasChanges("x"));
+  EXPECT_FALSE(tracker.isValid("x"));
+  EXPECT_FALSE(tracker.getValidationResult("x"));
+  EXPECT_EQ(tracker.getChangeDescription("x"), "Entity not found");
+  EXPECT_EQ(tracker.getStatusText("x"), "Entity not found");
+
+  EXPECT_EQ(tracker.getStatusText("a"), "No changes");
+  a->changed = true;
+  a->verdict = failure("broken");
+  EXPECT_EQ(tracker.getStatusText("a"), "Has validation issues");
+  a->verdict = ValidationResult::valid();
+  EXPECT_EQ(tracker.getStatusText("a"), "Ready to submit");
+  EXPECT_EQ(tracker.getChangeDescription("a"), "Alpha edited");
+
+  const auto version = tracker.stateVersion();
+  tracker.discard("x");
+  EXPECT_EQ(tracker.stateVersion(), version);
+  tracker.discard("a");
+  EXPECT_EQ(tracker.stateVersion(), version + 1);
+  EXPECT_FALSE(a->changed);
+}
+
+TEST_F(UnifiedChangeTrackerTest, AggregateTextsCountChangedAndInvalidEntities) {
+  auto a = add("a", "Alpha");
+  auto b = add("b", "Beta");
+  auto c = add("c", "Gamma");
+  EXPECT_EQ(tracker.changeDescription(), "No changes to submit");
+  EXPECT_EQ(tracker.statusText(), "No changes to submit");
+  EXPECT_FALSE(tracker.canSubmit());
+
+  b->changed = true;
+  EXPECT_EQ(tracker.changeDescription(), "Beta has changes");
+  EXPECT_EQ(tracker.statusText(), "Ready to submit");
+  EXPECT_TRUE(tracker.canSubmit());
+
+  c->changed = true;
+  EXPECT_EQ(tracker.changeDescription(), "Beta and Gamma have changes");
+  a->changed = true;
+  EXPECT_EQ(tracker.changeDescription(), "3 entities have changes");
+
+  a->verdict = failure("x");
+  EXPECT_EQ(tracker.statusText(), "1 issue to fix");
+  EXPECT_FALSE(tracker.canSubmit());
+  c->verdict = failure("y");
+  EXPECT_EQ(tracker.statusText(), "2 issues to fix");
+  EXPECT_EQ(tracker.validationErrors(), (std::vector<std::string>{"Alpha: x", "Gamma: y"}));
+  EXPECT_EQ(tracker.entitiesWithErrors().size(), 2u);
+}
+
+TEST_F(UnifiedChangeTrackerTest, SubmitChecksPresenceChangesAndValidityInThatOrder) {
+  auto a = add("a", "Alpha");
+  auto submit = [&](std::string id) { loop.run(tracker.submit(std::move(id))); };
+  try {
+    submit("missing");
+    FAIL();
+  } catch (const ChangeTrackingError& error) {
+    EXPECT_EQ(error.errorDescription(), "Could not find entity 'missing'");
+  }
+  a->verdict = failure("broken");  // invalid but unchanged: "nothing to submit" wins
+  try {
+    submit("a");
+    FAIL();
+  } catch (const ChangeTrackingError& error) {
+    EXPECT_TRUE(error.getIf<ChangeTrackingError::NothingToSubmit>());
+  }
+  a->changed = true;
+  try {
+    submit("a");
+    FAIL();
+  } catch (const ChangeTrackingError& error) {
+    EXPECT_EQ(error.errorDescription(), "Cannot submit: Alpha: broken");
+  }
+  EXPECT_TRUE(events.empty()) << "nothing is saved when a check fails";
+  const auto version = tracker.stateVersion();
+  a->verdict = ValidationResult::valid();
+  submit("a");
+  EXPECT_EQ(events, (std::vector<std::string>{"start a", "saved a"}));
+  EXPECT_EQ(tracker.stateVersion(), version + 1);
+}
+
+TEST_F(UnifiedChangeTrackerTest, SubmitPassesTheEntitysOwnErrorThroughUnchanged) {
+  auto a = add("a", "Alpha");
+  a->changed = true;
+  a->failure = "disk full";
+  const auto version = tracker.stateVersion();
+  EXPECT_THROW(
+      {
+        try {
+          loop.run(tracker.submit("a"));
+        } catch (const std::runtime_error& error) {
+          EXPECT_STREQ(error.what(), "disk full");
+          throw;
+        }
+      },
+      std::runtime_error);
+  EXPECT_EQ(tracker.stateVersion(), version);
+}
+
+TEST_F(UnifiedChangeTrackerTest, SubmitAllRefusesWhenNothingChangedOrAnythingIsInvalid) {
+  auto a = add("a", "Alpha");
+  auto b = add("b", "Beta");
+  try {
+    loop.run(tracker.submitAll());
+    FAIL();
+  } catch (const ChangeTrackingError& error) {
+    EXPECT_EQ(error.errorDescription(), "No changes to submit to App Store");
+    EXPECT_EQ(describe(error), "nothingToSubmit");
+  }
+  a->changed = true;
+  b->verdict = failure("unchanged but invalid");
+  try {
+    loop.run(tracker.submitAll());
+    FAIL();
+  } catch (const ChangeTrackingError& error) {
+    EXPECT_EQ(error.errorDescription(), "Cannot submit: Beta: unchanged but invalid");
+    ASSERT_TRUE(error.getIf<ChangeTrackingError::SubmissionBlocked>());
+    EXPECT_EQ(error.getIf<ChangeTrackingError::SubmissionBlocked>()->reason, "Fix this issue");
+  }
+  a->verdict = failure("also invalid");
+  try {
+    loop.run(tracker.submitAll());
+    FAIL();
+  } catch (const ChangeTrackingError& error) {
+    EXPECT_EQ(error.errorDescription(), "Cannot submit: Fix 2 issues (2 issues)");
+  }
+  EXPECT_TRUE(events.empty());
+}
+
+TEST_F(UnifiedChangeTrackerTest, SubmitAllSavesChangedEntitiesConcurrently) {
+  testing::CapturedLines lines;
+  UnifiedChangeTracker logged({10, true});
+  std::vector<std::shared_ptr<FakeEntity>> entities;
+  for (std::string id : {"slow", "unchanged", "fast"}) {
+    auto entity = std::make_shared<FakeEntity>(id, id);
+    entity->events = &events;
+    entity->changed = id != "unchanged";
+    entities.push_back(entity);
+  }
+  entities[0]->saveDelay = 40ms;
+  logged.register_(entities);
+  const auto version = logged.stateVersion();
+  loop.run(logged.submitAll());
+  // Both saves started before either finished: they ran side by side, not one after another.
+  EXPECT_EQ(events, (std::vector<std::string>{"start slow", "start fast", "saved fast", "saved slow"}));
+  EXPECT_EQ(logged.stateVersion(), version + 1);
+  EXPECT_FALSE(logged.hasUnsavedChanges());
+  EXPECT_EQ(lines.lines(), (std::vector<std::string>{
+                               "ChangeTracker: Registered entity 'slow'",
+                               "ChangeTracker: Registered entity 'unchanged'",
+                               "ChangeTracker: Registered entity 'fast'",
+                               "ChangeTracker: Submitting 2 entities",
+                               "ChangeTracker: Successfully submitted all entities",
+                           }));
+}
+
+TEST_F(UnifiedChangeTrackerTest, SubmitAllPropagatesTheFirstErrorAndCancelsTheRest) {
+  auto slow = add("slow", "Slow");
+  auto failing = add("failing", "Failing");
+  slow->changed = true;
+  slow->saveDelay = 1h;  // only cancellation can end this save
+  failing->changed = true;
+  failing->failure = "quota exceeded";
+  const auto version = tracker.stateVersion();
+  try {
+    loop.run(tracker.submitAll());
+    FAIL();
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "quota exceeded");
+  }
+  EXPECT_EQ(tracker.stateVersion(), version);
+  EXPECT_TRUE(slow->changed) << "the cancelled save did not complete";
+}
+
+TEST_F(UnifiedChangeTrackerTest, DiscardAllTouchesOnlyChangedEntitiesAndAlwaysRaisesTheVersion) {
+  testing::CapturedLines lines;
+  UnifiedChangeTracker logged({10, true});
+  auto a = std::make_shared<FakeEntity>("a", "A");
+  auto b = std::make_shared<FakeEntity>("b", "B");
+  a->events = b->events = &events;
+  logged.register_(a);
+  logged.register_(b);
+  lines.clear();
+  auto version = logged.stateVersion();
+  logged.discardAll();
+  EXPECT_EQ(logged.stateVersion(), version + 1);
+  b->changed = true;
+  logged.discardAll();
+  EXPECT_EQ(events, std::vector<std::string>{"discarded b"});
+  EXPECT_EQ(lines.lines(), (std::vector<std::string>{
+                               "ChangeTracker: Discarding changes in 0 entities",
+                               "ChangeTracker: Successfully discarded all changes",
+                               "ChangeTracker: Discarding changes in 1 entities",
+                               "ChangeTracker: Successfully discarded all changes",
+                           }));
+  logged.unregister("a");
+  logged.reset();
+  EXPECT_EQ(lines.lines().back(), "ChangeTracker: Reset change tracker state");
+  EXPECT_EQ(lines.lines()[lines.lines().size() - 2], "ChangeTracker: Unregistered entity 'a'");
+}
+
+TEST_F(UnifiedChangeTrackerTest, PrintsNothingWithLoggingOff) {
+  testing::CapturedLines lines;
+  auto a = add("a", "A");
+  a->changed = true;
+  tracker.discardAll();
+  tracker.unregister("a");
+  tracker.reset();
+  EXPECT_TRUE(lines.lines().empty());
+}
+
+TEST_F(UnifiedChangeTrackerTest, CategoriesFollowImpactAndSeverity) {
+  using Impact = BusinessImpact;
+  const ValidationResult criticalFailure = ValidationResult::failure(ValidationSeverity::critical, "critical");
+  const ValidationResult highRisk(false, ValidationSeverity::error, "high", std::nullopt, std::nullopt,
+                                  Impact::rejectionRisk(Impact::RejectionSeverity::high), std::nullopt, std::nullopt);
+  const ValidationResult lowRisk(false, ValidationSeverity::warning, "low", std::nullopt, std::nullopt,
+                                 Impact::rejectionRisk(Impact::RejectionSeverity::low), std::nullopt, std::nullopt);
+  const ValidationResult plainError = failure("plain error");
+  const ValidationResult validWarning(true, ValidationSeverity::warning, "valid warning");
+  const ValidationResult criticalOpportunity(false, ValidationSeverity::critical, "critical opportunity", std::nullopt,
+                                             std::nullopt, Impact::opportunity("x"), std::nullopt, std::nullopt);
+  const ValidationResult invalidWarning = ValidationResult::warning();  // no impact, invalid: no category
+  const std::vector<ValidationResult> verdicts{criticalFailure,   highRisk,     lowRisk,
+                                               plainError,        validWarning, ValidationResult::info("tip"),
+                                               criticalOpportunity, invalidWarning, ValidationResult::valid()};
+  for (std::size_t i = 0; i < verdicts.size(); ++i) add(std::to_string(i), "E" + std::to_string(i))->verdict = verdicts[i];
+
+  auto messages = [](const std::vector<ValidationResult>& results) {
+    std::vector<std::string> texts;
+    for (const auto& result : results) texts.push_back(result.message);
+    return texts;
+  };
+  EXPECT_EQ(messages(tracker.blockers()), (std::vector<std::string>{"critical", "high", "critical opportunity"}));
+  EXPECT_EQ(messages(tracker.rejectionRisks()), (std::vector<std::string>{"low", "plain error"}));
+  EXPECT_EQ(messages(tracker.optimizations()), std::vector<std::string>{"valid warning"});
+  EXPECT_EQ(messages(tracker.opportunities()), (std::vector<std::string>{"tip", "critical opportunity"}));
+  // By display priority, stable: critical 1000 (twice, category order kept), errors 800,
+  // warnings 500, infos 200.
+  EXPECT_EQ(messages(tracker.enhancedValidationResults()),
+            (std::vector<std::string>{"critical", "critical opportunity", "critical opportunity", "high", "plain error",
+                                      "low", "valid warning", "tip"}));
+}
+
+TEST_F(UnifiedChangeTrackerTest, FieldResultsWalkEntitiesAndTheirTrackedProperties) {
+  Tracked<std::string> name("", {[](const std::string&) { return ValidationResult::required("Name"); }});
+  Tracked<std::string> title("ok", {[](const std::string&) { return ValidationResult::validRequired("Title"); }});
+  Tracked<std::string> note("", {[](const std::string&) { return ValidationResult::failure(ValidationSeverity::warning, "short"); }});
+  Tracked<int> plain(1);
+
+  class PlainChangeDetector final : public ChangeDetectable {
+   public:
+    bool hasChanged() const override { return false; }
+    std::string changeDescription() const override { return ""; }
+    std::optional<std::string> propertyName() const override { return name_; }
+    void setPropertyName(std::optional<std::string> name) override { name_ = std::move(name); }
+    void markSaved() override {}
+    void discardChanges() override {}
+
+   private:
+    std::optional<std::string> name_;
+  } unvalidated;
+
+  auto first = add("first", "First");
+  first->fields = {{"_name", &name}, {"count", nullptr}, {"_title", &title}, {"_flag", &unvalidated}};
+  auto second = add("second", "Second");
+  second->fields = {{"_note", &note}, {std::nullopt, &plain}};
+
+  EXPECT_EQ(tracker.validatedFieldNames(), (std::vector<std::string>{"name", "title", "note", "unknown"}));
+  EXPECT_EQ(tracker.totalTrackedFieldCount(), 5);
+  const auto summary = tracker.getValidationSummary();
+  EXPECT_EQ(summary.totalRequiredFields, 2);
+  EXPECT_EQ(summary.validRequiredFields, std::vector<std::string>{"title"});
+  ASSERT_EQ(summary.allValidationIssues.size(), 2u);
+  EXPECT_EQ(summary.allValidationIssues[0].fieldName, "name");
+  EXPECT_EQ(summary.allValidationIssues[1].fieldName, "note");
+  EXPECT_EQ(summary.allValidationIssues[1].result.message, "short");
+}
+
+TEST_F(UnifiedChangeTrackerTest, ObserversSeeEveryVersionChange) {
+  std::vector<std::int64_t> versions;
+  auto connection = tracker.observe("stateVersion", [&] { versions.push_back(tracker.stateVersion()); });
+  add("a", "A");
+  tracker.notifyChange();
+  tracker.discardAll();
+  tracker.reset();
+  EXPECT_EQ(versions, (std::vector<std::int64_t>{1, 2, 3, 0}));
+}
+
+using UnifiedChangeTrackerDeathTest = UnifiedChangeTrackerTest;
+
+TEST_F(UnifiedChangeTrackerDeathTest, RegisteringBeyondTheLimitIsFatalEvenForAKnownIdentifier) {
+  UnifiedChangeTracker small({2, false});
+  small.register_(std::make_shared<FakeEntity>("a", "A"));
+  small.register_(std::make_shared<FakeEntity>("a", "A again"));  // one entry: room for one more
+  small.register_(std::make_shared<FakeEntity>("b", "B"));
+  EXPECT_DEATH(small.register_(std::make_shared<FakeEntity>("b", "B again")), "maxEntities");
+  EXPECT_DEATH(small.register_(std::make_shared<FakeEntity>("c", "C")), "maxEntities");
+}
+
+}  // namespace
+}  // namespace corvane
