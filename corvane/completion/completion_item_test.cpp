@@ -1,0 +1,110 @@
+#include "corvane/completion/completion_item.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <functional>
+#include <vector>
+
+namespace corvane {
+namespace {
+
+using Priority = CompletionItem::Priority;
+using Status = CompletionItem::CompletionStatus;
+
+TEST(CompletionItemPriority, RawValuesRoundTripInDeclarationOrder) {
+  const auto all = CompletionItem::allPriorities();
+  ASSERT_EQ(all.size(), 4u);
+  EXPECT_EQ(all[0], Priority::optional);
+  EXPECT_EQ(all[1], Priority::recommended);
+  EXPECT_EQ(all[2], Priority::required);
+  EXPECT_EQ(all[3], Priority::critical);
+  EXPECT_EQ(rawValue(Priority::optional), 1);
+  EXPECT_EQ(rawValue(Priority::recommended), 2);
+  EXPECT_EQ(rawValue(Priority::required), 3);
+  EXPECT_EQ(rawValue(Priority::critical), 4);
+  for (Priority priority : all) EXPECT_EQ(CompletionItem::priorityFromRawValue(rawValue(priority)), priority);
+}
+
+TEST(CompletionItemPriority, OnlyRawValuesOneToFourExist) {
+  EXPECT_EQ(CompletionItem::priorityFromRawValue(4), Priority::critical);
+  EXPECT_EQ(CompletionItem::priorityFromRawValue(1), Priority::optional);
+  for (int raw : {0, 5, -1, -4, 100, INT_MIN, INT_MAX}) {
+    EXPECT_FALSE(CompletionItem::priorityFromRawValue(raw)) << raw;
+  }
+}
+
+TEST(CompletionItemPriority, OrdersByDeclarationAndGroupsIntoRequiredAndOptional) {
+  const auto all = CompletionItem::allPriorities();
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    for (std::size_t j = 0; j < all.size(); ++j) {
+      EXPECT_EQ(all[i] < all[j], i < j) << i << " vs " << j;
+    }
+  }
+  std::vector<Priority> shuffled{Priority::required, Priority::optional, Priority::critical, Priority::recommended};
+  std::sort(shuffled.begin(), shuffled.end());
+  EXPECT_EQ(shuffled, std::vector<Priority>(all.begin(), all.end()));
+
+  EXPECT_FALSE(isRequired(Priority::optional));
+  EXPECT_FALSE(isRequired(Priority::recommended));
+  EXPECT_TRUE(isRequired(Priority::required));
+  EXPECT_TRUE(isRequired(Priority::critical));
+}
+
+TEST(CompletionItemStatus, EachCaseAnswersOnlyItsOwnQuery) {
+  const std::vector<Status> statuses{Status::blocked("r"), Status::completed(), Status::missing(), Status::optional(),
+                                     Status::inProgress()};
+  for (std::size_t i = 0; i < statuses.size(); ++i) {
+    const Status& status = statuses[i];
+    const std::vector<bool> answers{status.isBlocked(), status.isCompleted(), status.isMissing(), status.isOptional(),
+                                    status.isInProgress()};
+    for (std::size_t j = 0; j < answers.size(); ++j) EXPECT_EQ(answers[j], i == j) << i << " query " << j;
+    for (std::size_t j = 0; j < statuses.size(); ++j) EXPECT_EQ(status == statuses[j], i == j) << i << " vs " << j;
+  }
+  ASSERT_NE(statuses[0].getIf<Status::Blocked>(), nullptr);
+  EXPECT_EQ(statuses[0].getIf<Status::Blocked>()->reason, "r");
+  EXPECT_EQ(statuses[1].getIf<Status::Blocked>(), nullptr);
+}
+
+TEST(CompletionItemStatus, BlockedValuesAreEqualOnlyWithEqualReasons) {
+  EXPECT_EQ(Status::blocked("needs icon"), Status::blocked("needs icon"));
+  EXPECT_NE(Status::blocked("needs icon"), Status::blocked("needs name"));
+  EXPECT_NE(Status::blocked(""), Status::blocked(" "));
+}
+
+CompletionItem sampleItem() {
+  return CompletionItem("id", "Title", "Description", Status::blocked("reason"), Priority::required, "Category");
+}
+
+TEST(CompletionItem, KeepsItsSixFieldsInOrder) {
+  const CompletionItem item = sampleItem();
+  EXPECT_EQ(item.id, "id");
+  EXPECT_EQ(item.title, "Title");
+  EXPECT_EQ(item.description, "Description");
+  EXPECT_EQ(item.status, Status::blocked("reason"));
+  EXPECT_EQ(item.priority, Priority::required);
+  EXPECT_EQ(item.category, "Category");
+}
+
+TEST(CompletionItem, EqualityComparesAllSixFields) {
+  EXPECT_EQ(sampleItem(), sampleItem());
+  const std::vector<std::function<void(CompletionItem&)>> changes{
+      [](CompletionItem& item) { item.id = "other"; },
+      [](CompletionItem& item) { item.title = "other"; },
+      [](CompletionItem& item) { item.description = "other"; },
+      [](CompletionItem& item) { item.status = Status::blocked("another reason"); },
+      [](CompletionItem& item) { item.status = Status::completed(); },
+      [](CompletionItem& item) { item.priority = Priority::critical; },
+      [](CompletionItem& item) { item.category = std::nullopt; },
+      [](CompletionItem& item) { item.category = ""; },
+  };
+  for (std::size_t i = 0; i < changes.size(); ++i) {
+    CompletionItem changed = sampleItem();
+    changes[i](changed);
+    EXPECT_NE(changed, sampleItem()) << "change " << i;
+  }
+}
+
+}  // namespace
+}  // namespace corvane
