@@ -36,6 +36,11 @@ CapturedLog::~CapturedLog() {
   setLogLevel(spdlog::level::info);
 }
 
+void PrintTo(const LogEntry& entry, std::ostream* out) {
+  const auto level = spdlog::level::to_string_view(entry.level);
+  *out << entry.logger << " [" << std::string_view(level.data(), level.size()) << "] " << entry.message;
+}
+
 std::vector<LogEntry> CapturedLog::entries() const {
   return sink_->entries();
 }

@@ -3,6 +3,7 @@
 #include <spdlog/common.h>
 
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,9 @@ struct LogEntry {
   std::string message;
   friend bool operator==(const LogEntry&, const LogEntry&) = default;
 };
+
+/// "<logger> [<level>] <message>", so that failed comparisons read well.
+void PrintTo(const LogEntry& entry, std::ostream* out);
 
 /// Routes every Corvane logger to an in-memory sink at debug level while it lives, then
 /// restores the previous sinks and level (info).
