@@ -1,5 +1,7 @@
 #pragma once
 
+#include "corvane/results/basic_display_timing.hpp"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,74 +9,14 @@
 
 namespace corvane {
 
+namespace detail {
+struct BehaviorTimingTag;
+}
+
 /// When and how urgently an interface should show a verdict.
 struct DisplayBehavior {
   /// The moment at which a verdict appears.
-  class DisplayTiming {
-   public:
-    /// After `seconds` have passed.
-    struct Delayed {
-      double seconds;
-      friend bool operator==(const Delayed&, const Delayed&) = default;
-    };
-    /// As soon as the verdict exists.
-    struct Immediate {
-      friend bool operator==(const Immediate&, const Immediate&) = default;
-    };
-    /// When the user interacts with the field.
-    struct OnInteraction {
-      friend bool operator==(const OnInteraction&, const OnInteraction&) = default;
-    };
-    /// When the field loses focus.
-    struct OnBlur {
-      friend bool operator==(const OnBlur&, const OnBlur&) = default;
-    };
-    /// When the field gains focus.
-    struct OnFocus {
-      friend bool operator==(const OnFocus&, const OnFocus&) = default;
-    };
-
-    /// The cases, in their canonical order.
-    using Value = std::variant<Delayed, Immediate, OnInteraction, OnBlur, OnFocus>;
-
-    /// Shown after `seconds`.
-    static DisplayTiming delayed(double seconds) { return DisplayTiming(Delayed{seconds}); }
-    /// Shown at once.
-    static DisplayTiming immediate() { return DisplayTiming(Immediate{}); }
-    /// Shown on interaction.
-    static DisplayTiming onInteraction() { return DisplayTiming(OnInteraction{}); }
-    /// Shown when the field loses focus.
-    static DisplayTiming onBlur() { return DisplayTiming(OnBlur{}); }
-    /// Shown when the field gains focus.
-    static DisplayTiming onFocus() { return DisplayTiming(OnFocus{}); }
-
-    /// Whether the case is `delayed`.
-    bool isDelayed() const noexcept { return std::holds_alternative<Delayed>(value_); }
-    /// Whether the case is `immediate`.
-    bool isImmediate() const noexcept { return std::holds_alternative<Immediate>(value_); }
-    /// Whether the case is `onInteraction`.
-    bool isOnInteraction() const noexcept { return std::holds_alternative<OnInteraction>(value_); }
-    /// Whether the case is `onBlur`.
-    bool isOnBlur() const noexcept { return std::holds_alternative<OnBlur>(value_); }
-    /// Whether the case is `onFocus`.
-    bool isOnFocus() const noexcept { return std::holds_alternative<OnFocus>(value_); }
-
-    /// The payload of case `Case`, or null when the timing is another case.
-    template <class Case>
-    const Case* getIf() const noexcept {
-      return std::get_if<Case>(&value_);
-    }
-
-    /// The underlying variant, for exhaustive visiting.
-    const Value& value() const noexcept { return value_; }
-
-    /// Same case; `delayed` timings also compare their seconds.
-    friend bool operator==(const DisplayTiming&, const DisplayTiming&) = default;
-
-   private:
-    explicit DisplayTiming(Value value) : value_(value) {}
-    Value value_;
-  };
+  using DisplayTiming = BasicDisplayTiming<detail::BehaviorTimingTag>;
 
   /// The visual weight of a verdict.
   enum class DisplayStyle { critical, error, warning, suggestion, info };
@@ -89,10 +31,6 @@ struct DisplayBehavior {
   /// Timing, priority and style compared.
   friend bool operator==(const DisplayBehavior&, const DisplayBehavior&) = default;
 };
-
-/// The case, with the delay for `delayed`: `delayed(seconds: 3.0)`, `immediate`,
-/// `onInteraction`, `onBlur` or `onFocus`.
-std::string describe(const DisplayBehavior::DisplayTiming& timing);
 
 /// The style's name, e.g. "suggestion".
 std::string describe(DisplayBehavior::DisplayStyle style);

@@ -1,81 +1,15 @@
 #pragma once
 
-#include <string>
-#include <variant>
+#include "corvane/results/basic_display_timing.hpp"
 
 namespace corvane {
 
-/// The moment at which a business verdict appears. It has the same cases as
-/// `DisplayBehavior::DisplayTiming` but is a type of its own, used by
-/// `BusinessValidationResult`.
-class DisplayTiming {
- public:
-  /// After `seconds` have passed.
-  struct Delayed {
-    double seconds;
-    friend bool operator==(const Delayed&, const Delayed&) = default;
-  };
-  /// As soon as the verdict exists.
-  struct Immediate {
-    friend bool operator==(const Immediate&, const Immediate&) = default;
-  };
-  /// When the user interacts with the field.
-  struct OnInteraction {
-    friend bool operator==(const OnInteraction&, const OnInteraction&) = default;
-  };
-  /// When the field loses focus.
-  struct OnBlur {
-    friend bool operator==(const OnBlur&, const OnBlur&) = default;
-  };
-  /// When the field gains focus.
-  struct OnFocus {
-    friend bool operator==(const OnFocus&, const OnFocus&) = default;
-  };
+namespace detail {
+struct BusinessTimingTag;
+}
 
-  /// The cases, in their canonical order.
-  using Value = std::variant<Delayed, Immediate, OnInteraction, OnBlur, OnFocus>;
-
-  /// Shown after `seconds`.
-  static DisplayTiming delayed(double seconds) { return DisplayTiming(Delayed{seconds}); }
-  /// Shown at once.
-  static DisplayTiming immediate() { return DisplayTiming(Immediate{}); }
-  /// Shown on interaction.
-  static DisplayTiming onInteraction() { return DisplayTiming(OnInteraction{}); }
-  /// Shown when the field loses focus.
-  static DisplayTiming onBlur() { return DisplayTiming(OnBlur{}); }
-  /// Shown when the field gains focus.
-  static DisplayTiming onFocus() { return DisplayTiming(OnFocus{}); }
-
-  /// Whether the case is `delayed`.
-  bool isDelayed() const noexcept { return std::holds_alternative<Delayed>(value_); }
-  /// Whether the case is `immediate`.
-  bool isImmediate() const noexcept { return std::holds_alternative<Immediate>(value_); }
-  /// Whether the case is `onInteraction`.
-  bool isOnInteraction() const noexcept { return std::holds_alternative<OnInteraction>(value_); }
-  /// Whether the case is `onBlur`.
-  bool isOnBlur() const noexcept { return std::holds_alternative<OnBlur>(value_); }
-  /// Whether the case is `onFocus`.
-  bool isOnFocus() const noexcept { return std::holds_alternative<OnFocus>(value_); }
-
-  /// The payload of case `Case`, or null when the timing is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
-
-  /// Same case; `delayed` timings also compare their seconds.
-  friend bool operator==(const DisplayTiming&, const DisplayTiming&) = default;
-
- private:
-  explicit DisplayTiming(Value value) : value_(value) {}
-  Value value_;
-};
-
-/// The case, with the delay for `delayed`: `delayed(seconds: 3.0)`, `immediate`,
-/// `onInteraction`, `onBlur` or `onFocus`.
-std::string describe(const DisplayTiming& timing);
+/// The moment at which a business verdict appears, used by `BusinessValidationResult`. It
+/// has the same cases as `DisplayBehavior::DisplayTiming` but is a type of its own.
+using DisplayTiming = BasicDisplayTiming<detail::BusinessTimingTag>;
 
 }  // namespace corvane
