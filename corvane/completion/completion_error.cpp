@@ -1,23 +1,9 @@
 #include "corvane/completion/completion_error.hpp"
 
+#include "corvane/support/describe.hpp"
 #include "corvane/support/precondition.hpp"
 
 namespace corvane {
-
-namespace {
-
-// The underlying error's own description: the `what()` of a standard exception.
-std::string descriptionOf(const std::exception_ptr& error) {
-  try {
-    std::rethrow_exception(error);
-  } catch (const std::exception& exception) {
-    return exception.what();
-  } catch (...) {
-    return "unknown error";
-  }
-}
-
-}  // namespace
 
 CompletionError::CompletionError(Kind kind, std::exception_ptr underlying, std::string description)
     : kind_(kind),
@@ -26,13 +12,13 @@ CompletionError::CompletionError(Kind kind, std::exception_ptr underlying, std::
 
 CompletionError CompletionError::executionFailed(std::exception_ptr underlying) {
   CORVANE_PRECONDITION(underlying, "CompletionError::executionFailed needs an underlying error");
-  std::string description = "Completion failed: " + descriptionOf(underlying);
+  std::string description = "Completion failed: " + corvane::errorDescription(underlying);
   return CompletionError(Kind::executionFailed, std::move(underlying), std::move(description));
 }
 
 CompletionError CompletionError::unknown(std::exception_ptr underlying) {
   CORVANE_PRECONDITION(underlying, "CompletionError::unknown needs an underlying error");
-  std::string description = "Unknown completion error: " + descriptionOf(underlying);
+  std::string description = "Unknown completion error: " + corvane::errorDescription(underlying);
   return CompletionError(Kind::unknown, std::move(underlying), std::move(description));
 }
 
