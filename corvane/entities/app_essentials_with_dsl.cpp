@@ -19,28 +19,28 @@ ValidationResult supportEmailCheck(const std::string& email) {
                           std::nullopt, BusinessImpact::suboptimal("Email format"), std::nullopt, std::nullopt);
 }
 
-// The declarations give no field name, so verdicts speak of "Field", as the rule language
-// does for any unnamed field.
-constexpr std::nullopt_t kUnnamed = std::nullopt;
-
 // Labels of the change description, in field order.
 constexpr std::array<const char*, 5> kChangeLabels{"app name", "subtitle", "description", "support email", "keywords"};
 
 }  // namespace
 
-AppEssentialsWithDSL::AppEssentialsWithDSL()
+// The declarations give no field name, so verdicts speak of "Field", as the rule language
+// does for any unnamed field.
+AppEssentialsWithDSL::AppEssentialsWithDSL() : AppEssentialsWithDSL(FieldNames{}) {}
+
+AppEssentialsWithDSL::AppEssentialsWithDSL(FieldNames names)
     : entityId_(newUuidString()),
-      appName_("", kUnnamed, Requirement::required, {Check::tooLong(30)},
+      appName_("", std::move(names.appName), Requirement::required, {Check::tooLong(30)},
                Guidance::missingOptional("descriptive app name",
                                          "Longer names (5-15 characters) perform better in App Store search")),
-      subtitle_("", kUnnamed, Requirement::required, {Check::tooLong(30)}),
-      description_("", kUnnamed, Requirement::optional, {Check::tooLong(4000)},
+      subtitle_("", std::move(names.subtitle), Requirement::required, {Check::tooLong(30)}),
+      description_("", std::move(names.description), Requirement::optional, {Check::tooLong(4000)},
                    Guidance::missingOptional("detailed description",
                                              "Detailed descriptions help users understand your app better")),
       supportEmail_(
-          "", kUnnamed, Requirement::optional, {Check::custom(supportEmailCheck)},
+          "", std::move(names.supportEmail), Requirement::optional, {Check::custom(supportEmailCheck)},
           Guidance::missingOptional("support email", "Support emails help users get help and improve app ratings")),
-      keywords_("", kUnnamed, Requirement::required, {Check::tooLong(100), Check::tooShort(10)}) {}
+      keywords_("", std::move(names.keywords), Requirement::required, {Check::tooLong(100), Check::tooShort(10)}) {}
 
 std::string AppEssentialsWithDSL::entityId() const {
   return entityId_;

@@ -4,6 +4,7 @@
 #include "corvane/tracking/tracked.hpp"
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,21 @@ namespace corvane {
 /// `xProperty()`, the tracked property itself.
 class AppEssentialsWithDSL final : public TrackableEntity {
  public:
+  /// The names the verdicts use for each field. The entity's own declarations name none, so
+  /// its verdicts speak of "Field" ("Field is required"); a host that shows verdicts out of
+  /// context, such as a report, names them.
+  struct FieldNames {
+    std::optional<std::string> appName;
+    std::optional<std::string> subtitle;
+    std::optional<std::string> description;
+    std::optional<std::string> supportEmail;
+    std::optional<std::string> keywords;
+  };
+
   /// A new entity with a fresh random UUID as its id and every field empty.
   AppEssentialsWithDSL();
+  /// The same with `names` in the verdicts.
+  explicit AppEssentialsWithDSL(FieldNames names);
 
   /// The UUID made at construction, in its canonical lower-case text form.
   std::string entityId() const override;

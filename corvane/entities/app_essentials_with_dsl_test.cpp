@@ -268,5 +268,15 @@ TEST(AppEssentialsWithDSLInput, TenMegabyteValuesGetAVerdict) {
   EXPECT_FALSE(entity.hasUnsavedChanges());
 }
 
+TEST(AppEssentialsWithDSLNames, NamedFieldsSpeakOfTheirNames) {
+  AppEssentialsWithDSL named({"App name", "Subtitle", "Description", "Support email", "Keywords"});
+  named.setAppName(std::string(31, 'n'));
+  EXPECT_EQ(named.appNameProperty().validationResult().message, "App name is 1 characters too long");
+  EXPECT_EQ(named.subtitleProperty().validationResult().message, "Subtitle is required");
+  named.setKeywords("short");
+  EXPECT_EQ(named.keywordsProperty().validationResult().message, "Keywords should be at least 10 characters");
+  EXPECT_EQ(AppEssentialsWithDSL().subtitleProperty().validationResult().message, "Field is required");
+}
+
 }  // namespace
 }  // namespace corvane
