@@ -75,3 +75,4 @@
 #include "corvane/entities/app_essentials_with_dsl.hpp"
 #include "corvane/entities/example_app_info_entity.hpp"
 
+#include "corvane/resources/corvane_resources.hpp"

@@ -1,0 +1,157 @@
+#include "cli.hpp"
+
+#include "checker.hpp"
+#include "input_error.hpp"
+#include "report_writers.hpp"
+
+#include "corvane/resources/corvane_resources.hpp"
+#include "corvane/support/print_line.hpp"
+#include "corvane/version.hpp"
+
+#include <optional>
+#include <stdexcept>
+
+namespace corvane::cli {
+namespace {
+
+enum class Format { text, json };
+
+struct Invocation {
+  CheckOptions options;
+  Format format = Format::text;
+};
+
+class UsageError final : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+Invocation parseCheck(std::span<const std::string> arguments) {
+  Invocation invocation;
+  std::optional<std::filesystem::path> directory;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    auto valueOf = [&](std::string_view option) -> std::string {
+      const std::string prefix = std::string(option) + "=";
+      if (argument.starts_with(prefix)) return argument.substr(prefix.size());
+      if (i + 1 >= arguments.size()) throw UsageError(std::string(option) + " needs a value");
+      return arguments[++i];
+    };
+    if (argument == "--format" || argument.starts_with("--format=")) {
+      const std::string format = valueOf("--format");
+      if (format == "text") {
+        invocation.format = Format::text;
+      } else if (format == "json") {
+        invocation.format = Format::json;
+      } else {
+        throw UsageError("--format must be text or json, not '" + format + "'");
+      }
+    } else if (argument == "--app-version" || argument.starts_with("--app-version=")) {
+      invocation.options.appVersion = valueOf("--app-version");
+    } else if (argument == "--fix") {
+      invocation.options.fix = true;
+    } else if (argument == "--dry-run") {
+      invocation.options.fix = true;
+      invocation.options.dryRun = true;
+    } else if (argument.starts_with("-") && argument != "-") {
+      throw UsageError("unknown option '" + argument + "'");
+    } else if (directory) {
+      throw UsageError("only one folder can be checked at a time");
+    } else {
+      directory = argument;
+    }
+  }
+  invocation.options.directory = directory ? *directory : CorvaneResources::sampleMetadataDirectory();
+  return invocation;
+}
+
+// The library prints diagnostics lines (such as its combine trace) on standard output;
+// they would corrupt the report, so they are silenced while the checker runs.
+class QuietLibrary {
+ public:
+  QuietLibrary() : previous_(setLineOutput([](std::string_view) {})) {}
+  ~QuietLibrary() { setLineOutput(std::move(previous_)); }
+  QuietLibrary(const QuietLibrary&) = delete;
+  QuietLibrary& operator=(const QuietLibrary&) = delete;
+
+ private:
+  LineOutput previous_;
+};
+
+int check(const Invocation& invocation, std::ostream& out, bool colour) {
+  QuietLibrary quiet;
+  Checker checker(invocation.options);
+  if (invocation.options.fix) {
+    const auto fixes = checker.plannedFixes();
+    if (invocation.format == Format::text) {
+      writeFixLines(fixes, invocation.options.dryRun, out, colour);
+      if (fixes.empty()) out << "Nothing to fix automatically.\n";
+      out.flush();
+    }
+    checker.applyFixes(fixes);
+  }
+  const auto report = checker.report();
+  if (invocation.format == Format::json) {
+    writeJsonReport(report, out);
+  } else {
+    if (invocation.options.fix) out << '\n';
+    writeTextReport(report, out, colour);
+  }
+  return report.blocked() ? exitBlocked : exitReady;
+}
+
+}  // namespace
+
+std::string usageText() {
+  return "usage: corvane check [DIR] [--format text|json] [--app-version X.Y.Z] [--fix] [--dry-run]\n"
+         "       corvane --help | --version\n"
+         "\n"
+         "Checks an app's store metadata folder (one folder per locale, such as en-US, holding\n"
+         "name.txt, subtitle.txt, description.txt, keywords.txt, support_url.txt, marketing_url.txt,\n"
+         "privacy_url.txt, promotional_text.txt and release_notes.txt) and reports blockers,\n"
+         "rejection risks, optimizations and opportunities. Without DIR, checks the bundled sample.\n"
+         "\n"
+         "  --format text|json   report format (default text)\n"
+         "  --app-version X.Y.Z  the version to check as well\n"
+         "  --fix                apply automatic fixes (trim over-long texts) and write the files\n"
+         "  --dry-run            show the automatic fixes without writing anything\n"
+         "\n"
+         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error.\n";
+}
+
+int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostream& err, Terminal terminal) {
+  try {
+    if (arguments.empty()) throw UsageError("missing command; try 'corvane check'");
+    const std::string& command = arguments.front();
+    if (command == "--help" || command == "-h" || command == "help") {
+      out << usageText();
+      return exitReady;
+    }
+    if (command == "--version") {
+      out << "corvane " << CorvaneVersionString << '\n';
+      return exitReady;
+    }
+    if (command != "check") throw UsageError("unknown command '" + command + "'");
+    const auto rest = arguments.subspan(1);
+    for (const auto& argument : rest) {
+      if (argument == "--help" || argument == "-h") {
+        out << usageText();
+        return exitReady;
+      }
+    }
+    const Invocation invocation = parseCheck(rest);
+    return check(invocation, out, terminal.isTerminal && !terminal.noColor);
+  } catch (const UsageError& error) {
+    err << "corvane: " << error.what() << "\n"
+        << "usage: corvane check [DIR] [--format text|json] [--app-version X.Y.Z] [--fix] [--dry-run]\n";
+    return exitUsageOrInput;
+  } catch (const InputError& error) {
+    err << "corvane: " << error.what() << '\n';
+    return exitUsageOrInput;
+  } catch (const std::filesystem::filesystem_error& error) {
+    err << "corvane: " << error.what() << '\n';
+    return exitUsageOrInput;
+  }
+}
+
+}  // namespace corvane::cli

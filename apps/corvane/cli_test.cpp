@@ -1,0 +1,150 @@
+#include "cli.hpp"
+
+#include "cli_test_support.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace corvane::cli {
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using testing::TemporaryFolder;
+
+struct Run {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+Run run(std::vector<std::string> arguments, Terminal terminal = {}) {
+  std::ostringstream out;
+  std::ostringstream err;
+  const int status = runCli(arguments, out, err, terminal);
+  return {status, out.str(), err.str()};
+}
+
+// Every file under `root` with its contents, to prove that nothing changed.
+std::map<std::string, std::string> snapshot(const fs::path& root) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    if (entry.is_regular_file()) files[fs::relative(entry.path(), root).string()] = testing::readFile(entry.path());
+  }
+  return files;
+}
+
+TEST(CliTest, ExitStatusSaysWhetherSomethingBlocks) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  const auto blocked = run({"check", sample.string()});
+  EXPECT_EQ(blocked.status, exitBlocked);
+  EXPECT_THAT(blocked.out, HasSubstr("Decision: blocked"));
+  EXPECT_EQ(blocked.err, "");
+
+  testing::writeFile(sample / "de-DE" / "name.txt", "Corvane Notizen\n");
+  const auto ready = run({"check", sample.string(), "--format", "json"});
+  EXPECT_EQ(ready.status, exitReady) << ready.out;
+  EXPECT_THAT(ready.out, HasSubstr("\"canSubmit\": true"));
+}
+
+TEST(CliTest, DefaultsToTheBundledSample) {
+  const auto result = run({"check", "--format=json"});
+  EXPECT_EQ(result.status, exitBlocked);
+  EXPECT_THAT(result.out, HasSubstr("corvane-resources/sample-metadata"));
+}
+
+TEST(CliTest, UsageErrorsExitWithStatus2) {
+  for (const auto& arguments : std::vector<std::vector<std::string>>{{},
+                                                                     {"lint"},
+                                                                     {"check", "--format", "xml"},
+                                                                     {"check", "--format"},
+                                                                     {"check", "--colour"},
+                                                                     {"check", "a", "b"}}) {
+    const auto result = run(arguments);
+    EXPECT_EQ(result.status, exitUsageOrInput) << ::testing::PrintToString(arguments);
+    EXPECT_THAT(result.err, HasSubstr("corvane: "));
+    EXPECT_EQ(result.out, "");
+  }
+  const auto help = run({"check", "--help"});
+  EXPECT_EQ(help.status, exitReady);
+  EXPECT_THAT(help.out, HasSubstr("usage: corvane check [DIR]"));
+  EXPECT_THAT(run({"--version"}).out, ::testing::MatchesRegex("corvane [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+}
+
+TEST(CliTest, BadInputIsOneLineNamingTheFileAndWritesNothing) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  testing::writeFile(sample / "ja" / "keywords.txt", "ok\xff");
+  const auto before = snapshot(temporary.path());
+  const auto result = run({"check", sample.string(), "--fix"});
+  EXPECT_EQ(result.status, exitUsageOrInput);
+  EXPECT_EQ(result.err,
+            "corvane: " + (sample / "ja" / "keywords.txt").string() + ": not valid UTF-8 at byte offset 2\n");
+  EXPECT_EQ(result.out, "");
+  EXPECT_EQ(snapshot(temporary.path()), before) << "the too-long German name must not have been trimmed";
+}
+
+TEST(CliTest, DryRunPrintsTheFixesAndWritesNothing) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  const auto before = snapshot(temporary.path());
+  const auto result = run({"check", sample.string(), "--dry-run"});
+  EXPECT_EQ(result.status, exitBlocked);
+  EXPECT_THAT(result.out, HasSubstr("would fix: de-DE/name.txt: Auto-trim to 30, 49 -> 30 characters\n"
+                                    "  - Corvane Notizen – Notizen, die sich selbst prüfen\n"
+                                    "  + Corvane Notizen – Notizen, die\n"));
+  EXPECT_THAT(result.out, HasSubstr("Decision: blocked"));
+  EXPECT_EQ(snapshot(temporary.path()), before);
+}
+
+TEST(CliTest, FixTrimsAtomicallyAndTheNextCheckPassesThatRule) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  auto expected = snapshot(temporary.path());
+  expected["metadata/de-DE/name.txt"] = "Corvane Notizen – Notizen, die\n";
+  fs::permissions(sample / "de-DE" / "name.txt", fs::perms::owner_read | fs::perms::owner_write);
+
+  const auto result = run({"check", sample.string(), "--fix", "--format", "json"});
+  EXPECT_THAT(result.out, HasSubstr("\"written\": true"));
+  // Only the trimmed file changed, no temporary file was left, the permissions survived.
+  EXPECT_EQ(snapshot(temporary.path()), expected);
+  EXPECT_EQ(fs::status(sample / "de-DE" / "name.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  // The http privacy address still risks rejection, but nothing blocks any more.
+  EXPECT_EQ(result.status, exitReady);
+
+  const auto again = run({"check", sample.string(), "--fix"});
+  EXPECT_THAT(again.out, HasSubstr("Nothing to fix automatically."));
+  EXPECT_EQ(snapshot(temporary.path()), expected);
+}
+
+TEST(CliTest, FixWritesThroughALinkInsideTheFolder) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  testing::writeFile(root / "en-US" / "name.txt", std::string(35, 'n'));
+  fs::create_directories(root / "en-GB");
+  fs::create_symlink("../en-US/name.txt", root / "en-GB" / "name.txt");
+  const auto result = run({"check", root.string(), "--fix"});
+  EXPECT_THAT(result.out, HasSubstr("fix: en-GB/name.txt"));
+  EXPECT_TRUE(fs::is_symlink(root / "en-GB" / "name.txt"));
+  EXPECT_EQ(testing::readFile(root / "en-US" / "name.txt"), std::string(30, 'n'));
+}
+
+TEST(CliTest, ColoursOnlyOnATerminalWithoutNoColor) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  EXPECT_THAT(run({"check", sample.string()}, {.isTerminal = true, .noColor = false}).out, HasSubstr("\x1b["));
+  EXPECT_THAT(run({"check", sample.string()}, {.isTerminal = true, .noColor = true}).out, Not(HasSubstr("\x1b[")));
+  EXPECT_THAT(run({"check", sample.string()}, {.isTerminal = false, .noColor = false}).out, Not(HasSubstr("\x1b[")));
+  EXPECT_THAT(run({"check", sample.string(), "--format", "json"}, {.isTerminal = true, .noColor = false}).out,
+              Not(HasSubstr("\x1b[")));
+}
+
+}  // namespace
+}  // namespace corvane::cli

@@ -1,0 +1,123 @@
+#include "report_writers.hpp"
+
+#include "checker.hpp"
+#include "cli_test_support.hpp"
+#include "json_writer.hpp"
+
+#include <boost/json/src.hpp>  // header-only Boost.JSON, to read back what the writer wrote
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
+
+namespace corvane::cli {
+namespace {
+
+namespace json = boost::json;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+std::set<std::string> keysOf(const json::object& object) {
+  std::set<std::string> keys;
+  for (const auto& member : object) keys.insert(std::string(member.key()));
+  return keys;
+}
+
+CheckReport sampleReport() {
+  Checker checker(
+      CheckOptions{.directory = testing::sourceSample(), .appVersion = std::nullopt, .fix = false, .dryRun = false});
+  return checker.report();
+}
+
+TEST(JsonWriterTest, EscapesControlCharactersAndNestsContainers) {
+  EXPECT_EQ(jsonQuoted("a\"b\\c\n\t\x01é"), "\"a\\\"b\\\\c\\n\\t\\u0001é\"");
+  std::ostringstream out;
+  JsonWriter writer(out);
+  writer.beginObject();
+  writer.key("list");
+  writer.beginArray();
+  writer.value(std::int64_t{1});
+  writer.value(true);
+  writer.null();
+  writer.beginObject();
+  writer.endObject();
+  writer.endArray();
+  writer.key("empty");
+  writer.beginArray();
+  writer.endArray();
+  writer.endObject();
+  const auto parsed = json::parse(out.str());
+  EXPECT_EQ(parsed, json::parse(R"({"list": [1, true, null, {}], "empty": []})"));
+}
+
+TEST(JsonReportTest, FollowsTheDocumentedSchema) {
+  std::ostringstream out;
+  writeJsonReport(sampleReport(), out);
+  const auto document = json::parse(out.str()).as_object();
+
+  EXPECT_EQ(keysOf(document), (std::set<std::string>{"schemaVersion", "tool", "directory", "locales", "fixes",
+                                                     "completion", "decision"}));
+  EXPECT_EQ(document.at("schemaVersion").as_int64(), 1);
+  EXPECT_EQ(document.at("tool").at("name").as_string(), "corvane");
+  EXPECT_EQ(document.at("directory").as_string(), testing::sourceSample().string());
+
+  const auto& locales = document.at("locales").as_array();
+  ASSERT_EQ(locales.size(), 3u);
+  EXPECT_EQ(locales[0].at("locale").as_string(), "de-DE");
+  const std::set<std::string> localeKeys = {"locale",        "blockers",      "rejectionRisks",
+                                            "optimizations", "opportunities", "checklist"};
+  const std::set<std::string> findingKeys = {"file",           "property",      "severity",    "message",
+                                             "businessReason", "primaryAction", "suggestedFix"};
+  std::int64_t blockers = 0;
+  for (const auto& locale : locales) {
+    EXPECT_EQ(keysOf(locale.as_object()), localeKeys);
+    blockers += static_cast<std::int64_t>(locale.at("blockers").as_array().size());
+    for (const char* group : {"blockers", "rejectionRisks", "optimizations", "opportunities"}) {
+      for (const auto& finding : locale.at(group).as_array()) EXPECT_EQ(keysOf(finding.as_object()), findingKeys);
+    }
+    for (const auto& item : locale.at("checklist").as_array()) {
+      EXPECT_EQ(keysOf(item.as_object()), (std::set<std::string>{"id", "title", "status", "priority", "detail"}));
+    }
+  }
+  const auto& nameTooLong = locales[0].at("blockers").at(0);
+  EXPECT_EQ(nameTooLong.at("file").as_string(), "de-DE/name.txt");
+  EXPECT_EQ(nameTooLong.at("severity").as_string(), "error");
+  EXPECT_EQ(nameTooLong.at("primaryAction").at("type").as_string(), "autoFix");
+  EXPECT_TRUE(nameTooLong.at("businessReason").is_string());
+
+  const auto& decision = document.at("decision").as_object();
+  EXPECT_EQ(keysOf(decision),
+            (std::set<std::string>{"canSubmit", "blockers", "rejectionRisks", "optimizations", "opportunities"}));
+  EXPECT_FALSE(decision.at("canSubmit").as_bool());
+  EXPECT_EQ(decision.at("blockers").as_int64(), blockers);
+  EXPECT_EQ(
+      keysOf(document.at("completion").as_object()),
+      (std::set<std::string>{"completedItems", "totalItems", "blockedItems", "status", "canComplete", "nextAction"}));
+  EXPECT_EQ(document.at("completion").at("nextAction").as_string(), "de-DE/name.txt");
+  EXPECT_TRUE(document.at("fixes").as_array().empty());
+}
+
+TEST(TextReportTest, GroupsFindingsAndColoursOnlyWhenAsked) {
+  const auto report = sampleReport();
+  std::ostringstream plain;
+  writeTextReport(report, plain, false);
+  const std::string text = plain.str();
+  EXPECT_THAT(text, HasSubstr("de-DE\n  Blockers (1)\n    • de-DE/name.txt: App name is "));
+  EXPECT_THAT(text, HasSubstr("why: App Store automatically rejects apps with app name over 30 characters"));
+  EXPECT_THAT(text, HasSubstr("do:  Auto-trim to 30 (Automatically shorten to meet App Store requirements)"));
+  EXPECT_THAT(text, HasSubstr("Rejection risks (1)"));
+  EXPECT_THAT(text, HasSubstr("Optimizations (1)\n    • ja/support_url.txt: Support URL should start with https://"));
+  EXPECT_THAT(text, HasSubstr("Opportunities"));
+  EXPECT_THAT(text, HasSubstr("Decision: blocked"));
+  EXPECT_THAT(text, Not(HasSubstr("\x1b[")));
+
+  std::ostringstream coloured;
+  writeTextReport(report, coloured, true);
+  EXPECT_THAT(coloured.str(), HasSubstr("\x1b[31mBlockers (1)\x1b[0m"));
+}
+
+}  // namespace
+}  // namespace corvane::cli

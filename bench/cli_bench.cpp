@@ -1,0 +1,105 @@
+// Checking a metadata folder of 40 locales against the least any checker must do: read the
+// files and count their characters. Both report bytes per second over the same files.
+#include "checker.hpp"
+#include "metadata_field.hpp"
+
+#include "corvane/support/print_line.hpp"
+#include "corvane/text/characters.hpp"
+
+#include <benchmark/benchmark.h>
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <stdlib.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using corvane::cli::MetadataField;
+
+constexpr int kLocales = 40;
+
+void write(const fs::path& path, const std::string& text) {
+  std::ofstream(path, std::ios::binary) << text << '\n';
+}
+
+// Prose of about `characters` characters with some accented letters and emoji in it.
+std::string prose(std::size_t characters) {
+  const std::string words[] = {"notes", "stay", "tidy", "caf\u00E9", "\U0001F600", "across", "every", "device"};
+  std::string text;
+  for (std::size_t n = 0; corvane::characterCount(text) + 10 < characters; ++n) {
+    text += words[n % std::size(words)];
+    text += n % 11 == 10 ? "\n" : " ";
+  }
+  return text;
+}
+
+// The folder lives as long as the process: every benchmark reads the same files.
+const fs::path& folder() {
+  static const fs::path root = [] {
+    std::string pattern = (fs::temp_directory_path() / "corvane-bench-XXXXXX").string();
+    if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp");
+    const fs::path path = pattern;
+    const std::string description = prose(3800);
+    const std::string notes = prose(1500);
+    for (int i = 0; i < kLocales; ++i) {
+      const fs::path locale = path / fmt::format("l{}-X{}", static_cast<char>('a' + i % 26), i);
+      fs::create_directories(locale);
+      write(locale / "name.txt", i % 5 == 0 ? "A name that is a good deal longer than thirty" : "Corvane Notes");
+      write(locale / "subtitle.txt", "Notes that check themselves");
+      write(locale / "description.txt", description);
+      write(locale / "keywords.txt", "notes,writing,checklist,drafts,editor,lists");
+      write(locale / "support_url.txt", "https://example.com/support");
+      write(locale / "marketing_url.txt", "https://example.com/");
+      write(locale / "privacy_url.txt", i % 7 == 0 ? "http://example.com/privacy" : "https://example.com/privacy");
+      write(locale / "promotional_text.txt", prose(150));
+      write(locale / "release_notes.txt", notes);
+    }
+    fs::create_directories(path / "review_information");
+    write(path / "review_information" / "email_address.txt", "review@example.com");
+    return path;
+  }();
+  return root;
+}
+
+// The floor: read every locale file and count its characters, nothing else.
+void BM_ReadAndCountBaseline(benchmark::State& state) {
+  std::int64_t bytes = 0;
+  for (auto _ : state) {
+    std::size_t characters = 0;
+    for (const auto& locale : fs::directory_iterator(folder())) {
+      if (!locale.is_directory()) continue;
+      for (const auto field : corvane::cli::kLocaleFields) {
+        std::ifstream stream(locale.path() / corvane::cli::fileName(field), std::ios::binary);
+        const std::string text(std::istreambuf_iterator<char>(stream), {});
+        bytes += static_cast<std::int64_t>(text.size());
+        characters += corvane::characterCount(text);
+      }
+    }
+    benchmark::DoNotOptimize(characters);
+  }
+  state.SetBytesProcessed(bytes);
+}
+BENCHMARK(BM_ReadAndCountBaseline)->Unit(benchmark::kMillisecond);
+
+// The whole check as `corvane check` runs it, up to the report (not its printing).
+void BM_CheckFolder(benchmark::State& state) {
+  corvane::setLineOutput([](std::string_view) {});
+  std::int64_t bytes = 0;
+  for (auto _ : state) {
+    corvane::cli::Checker checker(corvane::cli::CheckOptions{
+        .directory = folder(), .appVersion = std::string("1.2.3"), .fix = false, .dryRun = false});
+    auto report = checker.report();
+    bytes += static_cast<std::int64_t>(checker.folder().bytesRead);
+    benchmark::DoNotOptimize(report);
+  }
+  state.SetBytesProcessed(bytes);
+  corvane::setLineOutput({});
+}
+BENCHMARK(BM_CheckFolder)->Unit(benchmark::kMillisecond);
+
+}  // namespace
