@@ -7,10 +7,12 @@
 #include <unicode/utext.h>
 #include <utf8proc.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -157,5 +159,18 @@ BENCHMARK_CAPTURE(icuBreakIterator, ascii, asciiDescription());
 BENCHMARK_CAPTURE(icuBreakIterator, mixed, mixedDescription());
 BENCHMARK_CAPTURE(byteScanBaseline, ascii, asciiDescription());
 BENCHMARK(trimmedPadded);
+
+// The floor under trimming: ASCII white space only, on the same text.
+void asciiTrimBaseline(benchmark::State& state) {
+  const std::string text = " \t\u3000\r\n\u00A0 " + mixedDescription() + "\r\n\u2028  \t";
+  for (auto _ : state) {
+    std::string_view view(text);
+    view.remove_prefix(std::min(view.find_first_not_of(" \t\r\n"), view.size()));
+    view.remove_suffix(view.size() - std::min(view.find_last_not_of(" \t\r\n") + 1, view.size()));
+    benchmark::DoNotOptimize(view);
+  }
+  setProcessed(state, text);
+}
+BENCHMARK(asciiTrimBaseline);
 
 }  // namespace

@@ -1,11 +1,13 @@
 // What a tracked property and the validation cache cost: the size of an unobserved
-// property, a write with and without observers, and cache hits and misses.
+// property, a write with and without observers, and cache hits and misses beside a bare map.
 #include "corvane/cache/validation_cache.hpp"
 #include "corvane/tracking/tracked.hpp"
 
 #include <benchmark/benchmark.h>
 
+#include <list>
 #include <string>
+#include <unordered_map>
 
 namespace {
 
@@ -27,6 +29,18 @@ void TrackedSize(benchmark::State& state) {
   state.counters["ValidationResult bytes"] = sizeof(ValidationResult);
 }
 BENCHMARK(TrackedSize);
+
+// The floor under a tracked property: a plain string and its rule's verdict, no property.
+void PlainValueAndVerdictBaseline(benchmark::State& state) {
+  const std::string values[] = {"Weather", "Weather Pro"};
+  std::size_t i = 0;
+  for (auto _ : state) {
+    std::string value = values[i++ & 1];
+    benchmark::DoNotOptimize(lengthRule(value));
+    benchmark::DoNotOptimize(value);
+  }
+}
+BENCHMARK(PlainValueAndVerdictBaseline);
 
 // Alternating values, so that every write revalidates.
 void TrackedWriteUnobserved(benchmark::State& state) {
@@ -67,5 +81,31 @@ void CacheMissWithEviction(benchmark::State& state) {
   }
 }
 BENCHMARK(CacheMissWithEviction)->Arg(1000)->Arg(100000);
+
+// Baselines for the cache: the same work on a bare map, without locking, clock, recency or
+// counters, which is the least a memoising cache can cost.
+void MapHitBaseline(benchmark::State& state) {
+  std::unordered_map<std::string, ValidationResult> map;
+  map.emplace("entity:validation", ValidationResult::valid());
+  for (auto _ : state) benchmark::DoNotOptimize(ValidationResult(map.find("entity:validation")->second));
+}
+BENCHMARK(MapHitBaseline);
+
+// A bare least-recently-used map: insert, and past the bound erase the oldest key.
+void MapMissWithEvictionBaseline(benchmark::State& state) {
+  const auto bound = static_cast<std::size_t>(state.range(0));
+  std::unordered_map<std::string, ValidationResult> map;
+  std::list<std::string> order;
+  std::int64_t key = 0;
+  for (auto _ : state) {
+    const auto entry = map.emplace(std::to_string(key++), ValidationResult::valid()).first;
+    order.push_back(entry->first);
+    if (map.size() > bound) {
+      map.erase(order.front());
+      order.pop_front();
+    }
+  }
+}
+BENCHMARK(MapMissWithEvictionBaseline)->Arg(1000)->Arg(100000);
 
 }  // namespace

@@ -242,5 +242,43 @@ TEST(ValidationCacheLifetime, ADestroyedCacheIgnoresWorkStillQueuedForIt) {
   EXPECT_GT(loop.drain(), 0u);
 }
 
+// Resource limits: a cache of 100,000 entries keeps hits, eviction order and the
+// never-evicting `validate` path correct at that size.
+TEST_F(ValidationCacheTest, HundredThousandEntriesHitEvictAndValidateCorrectly) {
+  constexpr std::int64_t kCount = 100000;
+  auto cache = makeCache(kCount);
+  const auto key = [](std::int64_t i) { return "entity:" + std::to_string(i); };
+  for (std::int64_t i = 0; i < kCount; ++i) cache->getOrCompute(key(i), "h", counted("first"));
+  EXPECT_EQ(computations, kCount);
+  EXPECT_EQ(cache->getStatistics().cacheSize, kCount);
+
+  // All hits, in reverse order: the entry used longest ago is now the last key.
+  for (std::int64_t i = kCount - 1; i >= 0; --i) cache->getOrCompute(key(i), "h", counted("again"));
+  EXPECT_EQ(computations, kCount);
+  EXPECT_EQ(cache->getStatistics().cacheHits, kCount);
+  EXPECT_EQ(cache->entry(key(0))->accessCount, 2);
+
+  // One more entry evicts exactly the least recently used one.
+  cache->getOrCompute("extra", "h", counted("extra"));
+  EXPECT_EQ(cache->getStatistics().cacheSize, kCount);
+  EXPECT_FALSE(cache->entry(key(kCount - 1)).has_value());
+  EXPECT_TRUE(cache->entry(key(kCount - 2)).has_value());
+  EXPECT_TRUE(cache->entry("extra").has_value());
+
+  // `validate` stores beyond the limit; the next lookup evicts back down to it.
+  int validations = 0;
+  for (std::int64_t i = 0; i < kCount; ++i) {
+    cache->validate("value:" + std::to_string(i), i, [&](std::int64_t) {
+      ++validations;
+      return ValidationResult::valid();
+    });
+  }
+  EXPECT_EQ(validations, kCount);
+  EXPECT_EQ(cache->getStatistics().cacheSize, 2 * kCount);
+  cache->getOrCompute("last", "h", counted("last"));
+  EXPECT_EQ(cache->getStatistics().cacheSize, kCount);
+  EXPECT_TRUE(cache->entry("last").has_value());
+}
+
 }  // namespace
 }  // namespace corvane

@@ -383,5 +383,49 @@ TEST_F(AggregateCompletionGuideTest, ObserversOfTheStatusHearEveryWriteAndItemCh
             (std::vector<CompletionStatus>{CompletionStatus::inProgress(0, 1), CompletionStatus::inProgress(0, 1)}));
 }
 
+// Resource limits: 1,000 items for each of ten entities; every derived figure still adds up.
+TEST_F(AggregateCompletionGuideTest, ThousandItemsPerEntityKeepEveryCountAndOrder) {
+  constexpr int kEntities = 10;
+  constexpr int kItems = 1000;
+  const auto itemsOf = [](int entity, bool allDone) {
+    std::vector<CompletionItem> items;
+    for (int i = 0; i < kItems; ++i) {
+      const bool done = allDone || i % 2 == 0;
+      items.push_back(item("e" + std::to_string(entity) + "-" + std::to_string(i),
+                           done ? ItemStatus::completed() : ItemStatus::missing(),
+                           i % 4 == 1 ? Priority::required : Priority::optional, "group" + std::to_string(i % 3)));
+    }
+    return items;
+  };
+  for (int entity = 0; entity < kEntities; ++entity) add("entity" + std::to_string(entity), itemsOf(entity, false));
+
+  const auto progress = guide->completionProgress();
+  EXPECT_EQ(progress.totalItems, kEntities * kItems);
+  EXPECT_EQ(progress.completedItems, kEntities * kItems / 2);
+  EXPECT_EQ(progress.requiredItems, kEntities * kItems / 4);
+  EXPECT_EQ(guide->requiredItems().size(), std::size_t{kEntities * kItems / 4});
+  EXPECT_EQ(guide->optionalItems().size(), std::size_t{kEntities * kItems * 3 / 4});
+  EXPECT_DOUBLE_EQ(guide->completionPercentage(), 0.5);
+  EXPECT_EQ(guide->getItems("entity3").size(), std::size_t{kItems});
+  EXPECT_EQ(guide->getItems("entity3")[999].id, "e3-999");
+  const auto groups = guide->getItemsByCategory();
+  ASSERT_EQ(groups.size(), 3u);
+  EXPECT_EQ(groups.at("group0").size(), std::size_t{kEntities * 334});
+  EXPECT_EQ(groups.at("group0").front().id, "e0-0");
+  EXPECT_EQ(guide->entitiesWithIncompleteItems().size(), std::size_t{kEntities});
+  // Item 1 of the first entity: the first open required item.
+  EXPECT_EQ(guide->nextActionItem()->id, "e0-1");
+  EXPECT_FALSE(guide->canComplete());
+
+  // Every entity finished, one removed: the figures follow.
+  for (int entity = 0; entity < kEntities; ++entity) add("entity" + std::to_string(entity), itemsOf(entity, true));
+  guide->remove("entity0");
+  EXPECT_EQ(guide->completionProgress().totalItems, (kEntities - 1) * kItems);
+  EXPECT_EQ(guide->completionProgress().completedItems, (kEntities - 1) * kItems);
+  EXPECT_TRUE(guide->entitiesWithIncompleteItems().empty());
+  EXPECT_EQ(guide->nextActionItem(), std::nullopt);
+  EXPECT_TRUE(guide->canComplete());
+}
+
 }  // namespace
 }  // namespace corvane

@@ -210,5 +210,18 @@ TEST_F(ShowcaseEntityTest, DiscoveryNamesTheTrackedFieldsOnly) {
   EXPECT_EQ(summary.allValidationIssues[1].fieldName, "email");
 }
 
+// Resource limits: the rules answer for 10 MB values as for short ones.
+TEST(ShowcaseAppEntityRules, TenMegabyteValuesGetAVerdict) {
+  const std::string huge(10 * 1024 * 1024, 'a');
+  EXPECT_EQ(ShowcaseAppEntity::appNameRule(huge).message, "App name should be 30 characters or less");
+  EXPECT_EQ(ShowcaseAppEntity::subtitleRule(huge).message, "Subtitle must be 30 characters or less");
+  EXPECT_FALSE(ShowcaseAppEntity::versionRule(huge + ".1.2").isValid);
+  EXPECT_TRUE(ShowcaseAppEntity::versionRule(std::string(10 * 1024 * 1024, '1') + ".0.0").isValid);
+  EXPECT_EQ(ShowcaseAppEntity::keywordsRule({huge}), ValidationResult::valid());
+  EXPECT_TRUE(ShowcaseUserEntity::nameRule(huge).isValid);
+  EXPECT_FALSE(ShowcaseUserEntity::emailRule(huge).isValid);
+  EXPECT_TRUE(ShowcaseUserEntity::emailRule(huge + "@example.com").isValid);
+}
+
 }  // namespace
 }  // namespace corvane

@@ -128,5 +128,31 @@ TEST(TrackedPresets, StartUnchangedAndUnnamed) {
   EXPECT_FALSE(appName.propertyName().has_value());
 }
 
+// Resource limits: a 10 MB value gets an ordinary verdict, counted in characters after trimming.
+TEST(TrackedPresets, TenMegabyteValuesGetAVerdict) {
+  constexpr std::size_t kBytes = 10 * 1024 * 1024;
+  const std::string ascii(kBytes, 'x');
+  const auto appName = Tracked<std::string>::appNameDSL(ascii).validationResult();
+  EXPECT_FALSE(appName.isValid);
+  EXPECT_EQ(appName.severity, Severity::critical);
+  EXPECT_EQ(appName.message, "App name is " + std::to_string(kBytes - 30) + " characters too long");
+
+  // Two bytes per character, with white space around it that trimming drops.
+  std::string accented = "  ";
+  while (accented.size() < kBytes) accented += "\u00e9";
+  accented += "\n";
+  const auto description = Tracked<std::string>::descriptionDSL(accented).validationResult();
+  EXPECT_EQ(description.message, "Description is " + std::to_string((kBytes - 2) / 2 - 4000) + " characters too long");
+
+  EXPECT_EQ(Tracked<std::string>::keywordsDSL(std::string(kBytes, ' ')).validationResult().message,
+            "Consider adding relevant keywords");
+  EXPECT_EQ(Tracked<std::string>::subtitleDSL(std::string(kBytes, '\t')).validationResult().message,
+            "Subtitle is required");
+  EXPECT_EQ(Tracked<std::string>::supportURLDSL("https://example.com/" + ascii).validationResult(),
+            ValidationResult::valid());
+  EXPECT_EQ(Tracked<std::string>::supportURLDSL(ascii).validationResult().message,
+            "Support URL should start with https://");
+}
+
 }  // namespace
 }  // namespace corvane

@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <stdexcept>
 #include <string>
@@ -402,6 +403,42 @@ TEST_F(UnifiedChangeTrackerTest, ObserversSeeEveryVersionChange) {
   tracker.discardAll();
   tracker.reset();
   EXPECT_EQ(versions, (std::vector<std::int64_t>{1, 2, 3, 0}));
+}
+
+// Resource limits: the tracker filled to its default capacity behaves as with a few entities
+// (bench/tracking_bench measures how the time grows).
+TEST_F(UnifiedChangeTrackerTest, TenThousandEntitiesRegisterQuerySubmitAndUnregister) {
+  constexpr int kCount = 10000;
+  UnifiedChangeTracker large({kCount, false});
+  std::vector<std::shared_ptr<FakeEntity>> entities;
+  entities.reserve(kCount);
+  for (int i = 0; i < kCount; ++i) {
+    auto entity = std::make_shared<FakeEntity>("entity-" + std::to_string(i), "Entity " + std::to_string(i));
+    entity->events = &events;
+    entity->changed = i % 2 == 0;
+    entities.push_back(entity);
+    large.register_(entity);
+  }
+  ASSERT_EQ(large.registeredEntities().size(), std::size_t{kCount});
+  EXPECT_EQ(large.stateVersion(), kCount);
+  EXPECT_EQ(large.entitiesWithChanges().size(), std::size_t{kCount / 2});
+  EXPECT_TRUE(large.entitiesWithErrors().empty());
+  EXPECT_EQ(large.getEntity<FakeEntity>("entity-9999"), entities.back());
+  EXPECT_TRUE(large.hasChanges("entity-4242"));
+  EXPECT_FALSE(large.hasChanges("entity-4243"));
+
+  loop.run(large.submitAll());
+  // Each changed entity saved exactly once, none of the unchanged ones.
+  const auto saved =
+      std::count_if(events.begin(), events.end(), [](const std::string& event) { return event.starts_with("saved "); });
+  EXPECT_EQ(saved, kCount / 2);
+  EXPECT_FALSE(large.hasUnsavedChanges());
+
+  // The last registered first: a linear list scan per removal would make this quadratic.
+  for (int i = kCount - 1; i >= 0; --i) large.unregister("entity-" + std::to_string(i));
+  EXPECT_TRUE(large.registeredEntities().empty());
+  EXPECT_EQ(large.getEntity<FakeEntity>("entity-0"), nullptr);
+  for (const auto& entity : entities) EXPECT_EQ(entity.use_count(), 1);
 }
 
 using UnifiedChangeTrackerDeathTest = UnifiedChangeTrackerTest;
