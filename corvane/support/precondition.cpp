@@ -5,7 +5,7 @@
 
 namespace corvane::detail {
 
-void preconditionFailure(std::string_view message, std::source_location where) {
+void preconditionFailure(std::string_view message, SourceLocation where) {
   std::fprintf(stderr, "Corvane: precondition failed: %.*s (%s:%u)\n", static_cast<int>(message.size()), message.data(),
                where.file_name(), static_cast<unsigned>(where.line()));
   std::fflush(stderr);

@@ -6,9 +6,27 @@
 
 namespace corvane::detail {
 
+#if defined(__cpp_lib_source_location)
+using SourceLocation = std::source_location;
+#else
+/// Where a call was made. clang 14 with libstdc++ 12 lacks `std::source_location` (the
+/// library needs a builtin clang only gained later), so the fuzz build uses this stand-in.
+struct SourceLocation {
+  static constexpr SourceLocation current(const char* file = __builtin_FILE(),
+                                          unsigned line = __builtin_LINE()) noexcept {
+    return SourceLocation{file, line};
+  }
+  constexpr const char* file_name() const noexcept { return file_; }
+  constexpr unsigned line() const noexcept { return line_; }
+
+  const char* file_;
+  unsigned line_;
+};
+#endif
+
 /// Reports a broken precondition on standard error and aborts the process.
 [[noreturn]] void preconditionFailure(std::string_view message,
-                                      std::source_location where = std::source_location::current());
+                                      detail::SourceLocation where = detail::SourceLocation::current());
 
 }  // namespace corvane::detail
 
@@ -26,7 +44,7 @@ namespace corvane {
 
 /// `a + b`, aborting through the precondition failure when the result does not fit in T.
 template <std::integral T>
-[[nodiscard]] T checkedAdd(T a, T b, std::source_location where = std::source_location::current()) {
+[[nodiscard]] T checkedAdd(T a, T b, detail::SourceLocation where = detail::SourceLocation::current()) {
   T result{};
   if (__builtin_add_overflow(a, b, &result)) [[unlikely]] {
     detail::preconditionFailure("integer overflow in addition", where);
@@ -36,7 +54,7 @@ template <std::integral T>
 
 /// `a - b`, aborting through the precondition failure when the result does not fit in T.
 template <std::integral T>
-[[nodiscard]] T checkedSubtract(T a, T b, std::source_location where = std::source_location::current()) {
+[[nodiscard]] T checkedSubtract(T a, T b, detail::SourceLocation where = detail::SourceLocation::current()) {
   T result{};
   if (__builtin_sub_overflow(a, b, &result)) [[unlikely]] {
     detail::preconditionFailure("integer overflow in subtraction", where);
@@ -46,7 +64,7 @@ template <std::integral T>
 
 /// `a * b`, aborting through the precondition failure when the result does not fit in T.
 template <std::integral T>
-[[nodiscard]] T checkedMultiply(T a, T b, std::source_location where = std::source_location::current()) {
+[[nodiscard]] T checkedMultiply(T a, T b, detail::SourceLocation where = detail::SourceLocation::current()) {
   T result{};
   if (__builtin_mul_overflow(a, b, &result)) [[unlikely]] {
     detail::preconditionFailure("integer overflow in multiplication", where);

@@ -11,6 +11,9 @@ template <class... Handlers>
 struct Overloaded : Handlers... {
   using Handlers::operator()...;
 };
+// Spelled out for clang 14, which does not deduce aggregate template arguments by itself.
+template <class... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 std::string descriptionOf(const ChangeTrackingError::Case& value) {
   return std::visit(
