@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -28,6 +30,21 @@ class JsonWriter {
   void value(double number);
   void value(bool flag);
   void null();
+
+  /// `key(name)` followed by the value; an absent optional is written as null.
+  template <class Value>
+  void member(std::string_view name, const Value& scalar) {
+    key(name);
+    value(scalar);
+  }
+  void member(std::string_view name, const std::optional<std::string>& text) {
+    key(name);
+    if (text) {
+      value(*text);
+    } else {
+      null();
+    }
+  }
 
  private:
   void beforeValue();

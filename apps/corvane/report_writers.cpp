@@ -131,53 +131,33 @@ std::string itemMark(const ItemStatus& status, const Paint& paint) {
 void writeFindingJson(JsonWriter& json, const Finding& finding) {
   const auto& verdict = finding.verdict;
   json.beginObject();
-  json.key("file");
-  json.value(finding.file);
-  json.key("property");
-  json.value(finding.property);
-  json.key("severity");
-  json.value(describe(verdict.severity));
-  json.key("message");
-  json.value(verdict.message);
-  json.key("businessReason");
-  if (verdict.businessReason)
-    json.value(*verdict.businessReason);
-  else
-    json.null();
+  json.member("file", finding.file);
+  json.member("property", finding.property);
+  json.member("severity", describe(verdict.severity));
+  json.member("message", verdict.message);
+  json.member("businessReason", verdict.businessReason);
   json.key("primaryAction");
   if (verdict.actionGuidance) {
     const auto& action = verdict.actionGuidance->primaryAction;
     json.beginObject();
-    json.key("title");
-    json.value(action.title);
-    json.key("description");
-    json.value(action.description);
-    json.key("type");
-    json.value(actionTypeName(action.type));
+    json.member("title", action.title);
+    json.member("description", action.description);
+    json.member("type", actionTypeName(action.type));
     json.endObject();
   } else {
     json.null();
   }
-  json.key("suggestedFix");
-  if (verdict.suggestedFix)
-    json.value(*verdict.suggestedFix);
-  else
-    json.null();
+  json.member("suggestedFix", verdict.suggestedFix);
   json.endObject();
 }
 
 void writeItemJson(JsonWriter& json, const CompletionItem& item) {
   json.beginObject();
-  json.key("id");
-  json.value(item.id);
-  json.key("title");
-  json.value(item.title);
-  json.key("status");
-  json.value(statusName(item.status));
-  json.key("priority");
-  json.value(priorityName(item.priority));
-  json.key("detail");
-  json.value(item.description);
+  json.member("id", item.id);
+  json.member("title", item.title);
+  json.member("status", statusName(item.status));
+  json.member("priority", priorityName(item.priority));
+  json.member("detail", item.description);
   json.endObject();
 }
 
@@ -244,23 +224,18 @@ void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) 
 void writeJsonReport(const CheckReport& report, std::ostream& out) {
   JsonWriter json(out);
   json.beginObject();
-  json.key("schemaVersion");
-  json.value(kJsonSchemaVersion);
+  json.member("schemaVersion", kJsonSchemaVersion);
   json.key("tool");
   json.beginObject();
-  json.key("name");
-  json.value("corvane");
-  json.key("version");
-  json.value(CorvaneVersionString);
+  json.member("name", "corvane");
+  json.member("version", CorvaneVersionString);
   json.endObject();
-  json.key("directory");
-  json.value(report.directory.string());
+  json.member("directory", report.directory.string());
   json.key("locales");
   json.beginArray();
   for (const auto& locale : report.locales) {
     json.beginObject();
-    json.key("locale");
-    json.value(locale.locale);
+    json.member("locale", locale.locale);
     for (const auto category : kCategories) {
       json.key(categoryKey(category));
       json.beginArray();
@@ -280,35 +255,23 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
   json.beginArray();
   for (const auto& change : report.fixes) {
     json.beginObject();
-    json.key("file");
-    json.value(fixFile(change));
-    json.key("action");
-    json.value(change.action);
-    json.key("charactersBefore");
-    json.value(change.charactersBefore);
-    json.key("charactersAfter");
-    json.value(change.charactersAfter);
-    json.key("before");
-    json.value(change.before);
-    json.key("after");
-    json.value(change.after);
-    json.key("written");
-    json.value(report.fixesWritten);
+    json.member("file", fixFile(change));
+    json.member("action", change.action);
+    json.member("charactersBefore", change.charactersBefore);
+    json.member("charactersAfter", change.charactersAfter);
+    json.member("before", change.before);
+    json.member("after", change.after);
+    json.member("written", report.fixesWritten);
     json.endObject();
   }
   json.endArray();
   json.key("completion");
   json.beginObject();
-  json.key("completedItems");
-  json.value(report.progress.completedItems);
-  json.key("totalItems");
-  json.value(report.progress.totalItems);
-  json.key("blockedItems");
-  json.value(report.progress.blockedItems);
-  json.key("status");
-  json.value(report.completionStatus);
-  json.key("canComplete");
-  json.value(report.canComplete);
+  json.member("completedItems", report.progress.completedItems);
+  json.member("totalItems", report.progress.totalItems);
+  json.member("blockedItems", report.progress.blockedItems);
+  json.member("status", report.completionStatus);
+  json.member("canComplete", report.canComplete);
   json.key("nextAction");
   if (report.nextAction)
     json.value(report.nextAction->id);
@@ -317,8 +280,7 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
   json.endObject();
   json.key("decision");
   json.beginObject();
-  json.key("canSubmit");
-  json.value(!report.blocked());
+  json.member("canSubmit", !report.blocked());
   for (const auto category : kCategories) {
     json.key(categoryKey(category));
     json.value(report.count(category));
