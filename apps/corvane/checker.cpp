@@ -1,7 +1,7 @@
 #include "checker.hpp"
 
-#include "atomic_file.hpp"
 #include "metadata_submission.hpp"
+#include "staged_file.hpp"
 
 #include "corvane/completion/aggregate_completion_guide.hpp"
 
@@ -39,12 +39,14 @@ void Checker::applyFixes(const std::vector<FixChange>& fixes) {
     for (auto& locale : locales_) locale->discard();
     return;
   }
+  std::vector<std::pair<std::filesystem::path, std::string>> replacements;
   for (const auto& change : fixes) {
     const auto& locale = **std::ranges::find_if(locales_, [&](const auto& l) { return l->locale() == change.locale; });
     const bool lineBreak = locale.metadata().endsWithLineBreak[static_cast<std::size_t>(change.field)];
     // Through a link inside the folder, the shared target is updated, not the link replaced.
-    writeFileAtomically(std::filesystem::canonical(change.path), fileContents(change, lineBreak));
+    replacements.emplace_back(std::filesystem::canonical(change.path), fileContents(change, lineBreak));
   }
+  replaceFiles(replacements);
   for (auto& locale : locales_) locale->markSaved();
   fixesWritten_ = !fixes.empty();
 }

@@ -40,9 +40,10 @@ class Checker {
   /// The auto-fixes the current verdicts offer, over all locales.
   std::vector<FixChange> plannedFixes() const;
 
-  /// Applies `fixes` as edits and, unless this is a dry run, writes each changed file
-  /// atomically and marks the edits saved; a dry run discards them again, so the report
-  /// describes the files as they are. Throws `InputError` when a file cannot be written.
+  /// Applies `fixes` as edits and, unless this is a dry run, writes the changed files and
+  /// marks the edits saved; a dry run discards them again, so the report describes the
+  /// files as they are. Every new file is written beside its old one before any replaces
+  /// it, so when one cannot be written (`InputError`), no file has changed.
   void applyFixes(const std::vector<FixChange>& fixes);
 
   /// The report on the current state, with the checklist filed in an
