@@ -6,11 +6,8 @@
 #include "corvane/testing/captured_lines.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
-#include <boost/asio/bind_cancellation_slot.hpp>
-#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/error.hpp>
-#include <boost/system/system_error.hpp>
 
 #include <gtest/gtest.h>
 
@@ -221,24 +218,7 @@ TEST_F(ExampleAppInfoEntityTest, SaveChangesSuspendsBeforeSaving) {
 
 TEST_F(ExampleAppInfoEntityTest, CancelledSaveSavesNothing) {
   entity->appName()->setValue("Corvane");
-  boost::asio::cancellation_signal cancel;
-  std::exception_ptr failure;
-  bool finished = false;
-  boost::asio::co_spawn(loop.context(), entity->saveChanges(),
-                        boost::asio::bind_cancellation_slot(cancel.slot(), [&](std::exception_ptr error) {
-                          failure = error;
-                          finished = true;
-                        }));
-  loop.drain();
-  cancel.emit(boost::asio::cancellation_type::terminal);
-  loop.drain();
-  ASSERT_TRUE(finished);
-  ASSERT_TRUE(failure);
-  try {
-    std::rethrow_exception(failure);
-  } catch (const boost::system::system_error& error) {
-    EXPECT_EQ(error.code(), boost::asio::error::operation_aborted);
-  }
+  EXPECT_EQ(loop.cancelWhileWaiting(entity->saveChanges()).code(), boost::asio::error::operation_aborted);
   EXPECT_EQ(entity->appName()->savedValue(), "");
   EXPECT_TRUE(entity->appName()->hasUnsavedChanges());
 }

@@ -3,10 +3,14 @@
 #include "corvane/support/main_executor.hpp"
 
 #include <boost/asio/awaitable.hpp>
+#include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/io_context.hpp>
+#include <boost/system/system_error.hpp>
 
 #include <exception>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <utility>
@@ -67,6 +71,35 @@ class TestMainLoop {
     });
     runUntil(done);
     if (failure) std::rethrow_exception(failure);
+  }
+
+  /// Starts `operation`, runs the loop until nothing is ready (the operation now waits),
+  /// calls `whileWaiting`, cancels the operation (terminal) and runs what that wakes.
+  /// Returns the `system_error` the operation ended with; rethrows any other exception, and
+  /// throws `std::logic_error` when the operation finished before the cancellation, or
+  /// without an error, or not at all.
+  boost::system::system_error cancelWhileWaiting(boost::asio::awaitable<void> operation,
+                                                 const std::function<void()>& whileWaiting = {}) {
+    boost::asio::cancellation_signal cancel;
+    std::exception_ptr failure;
+    bool done = false;
+    boost::asio::co_spawn(context_, std::move(operation),
+                          boost::asio::bind_cancellation_slot(cancel.slot(), [&](std::exception_ptr error) {
+                            failure = error;
+                            done = true;
+                          }));
+    drain();
+    if (done) throw std::logic_error("the operation finished before it was cancelled");
+    if (whileWaiting) whileWaiting();
+    cancel.emit(boost::asio::cancellation_type::terminal);
+    drain();
+    if (!done) throw std::logic_error("the cancelled operation did not finish");
+    if (!failure) throw std::logic_error("the cancelled operation finished without an error");
+    try {
+      std::rethrow_exception(failure);
+    } catch (const boost::system::system_error& error) {
+      return error;
+    }
   }
 
  private:
