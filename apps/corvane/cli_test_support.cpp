@@ -1,5 +1,9 @@
 #include "cli_test_support.hpp"
 
+#include "input_error.hpp"
+
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -41,6 +45,16 @@ std::string readFile(const fs::path& path) {
   std::ifstream stream(path, std::ios::binary);
   if (!stream) throw std::runtime_error("cannot read " + path.string());
   return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
+std::string inputErrorOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const InputError& error) {
+    return error.what();
+  }
+  ADD_FAILURE() << "no InputError";
+  return {};
 }
 
 }  // namespace corvane::cli::testing

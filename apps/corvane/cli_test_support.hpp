@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -30,6 +31,10 @@ std::filesystem::path copySample(const std::filesystem::path& destination);
 
 /// Writes `contents` to `path`, creating its folders.
 void writeFile(const std::filesystem::path& path, std::string_view contents);
+
+/// Runs `action` and returns the message of the `InputError` it must throw; records a test
+/// failure and returns an empty text when it throws none.
+std::string inputErrorOf(const std::function<void()>& action);
 
 /// The whole file at `path`.
 std::string readFile(const std::filesystem::path& path);

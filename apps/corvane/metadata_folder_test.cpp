@@ -1,7 +1,6 @@
 #include "metadata_folder.hpp"
 
 #include "cli_test_support.hpp"
-#include "input_error.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,13 +21,7 @@ using testing::writeFile;
 
 // Runs the reader and returns the message of the InputError it must throw.
 std::string inputErrorOf(const fs::path& root) {
-  try {
-    (void)readMetadataFolder(root);
-  } catch (const InputError& error) {
-    return error.what();
-  }
-  ADD_FAILURE() << "no InputError for " << root;
-  return {};
+  return testing::inputErrorOf([&] { (void)readMetadataFolder(root); });
 }
 
 TEST(LocaleFolderNameTest, AcceptsLanguageTagsAndRejectsSharedFolders) {

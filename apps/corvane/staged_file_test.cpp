@@ -1,7 +1,6 @@
 #include "staged_file.hpp"
 
 #include "cli_test_support.hpp"
-#include "input_error.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,6 +15,7 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
+using testing::inputErrorOf;
 using testing::readFile;
 using testing::TemporaryFolder;
 using testing::writeFile;
@@ -25,17 +25,6 @@ std::vector<std::string> namesIn(const fs::path& folder) {
   std::vector<std::string> names;
   for (const auto& entry : fs::directory_iterator(folder)) names.push_back(entry.path().filename().string());
   return names;
-}
-
-// Calls `replaceFiles` and returns the message of the InputError it must throw.
-std::string replaceErrorOf(const std::vector<std::pair<fs::path, std::string>>& replacements) {
-  try {
-    replaceFiles(replacements);
-  } catch (const InputError& error) {
-    return error.what();
-  }
-  ADD_FAILURE() << "no InputError";
-  return {};
 }
 
 TEST(StagedFileTest, OldContentsStayUntilCommitAndPermissionsCarryOver) {
@@ -77,7 +66,7 @@ TEST(ReplaceFilesTest, AFileThatCannotBeWrittenLeavesEveryFileAsItWas) {
   const fs::path missing = folder.path() / "gone" / "keywords.txt";
   writeFile(first, "first");
 
-  EXPECT_THAT(replaceErrorOf({{first, "changed"}, {missing, "changed"}}),
+  EXPECT_THAT(inputErrorOf([&] { replaceFiles({{first, "changed"}, {missing, "changed"}}); }),
               HasSubstr(missing.string() + ": cannot create a temporary file"));
   EXPECT_EQ(readFile(first), "first");
   EXPECT_THAT(namesIn(first.parent_path()), UnorderedElementsAre("name.txt"));
@@ -90,7 +79,7 @@ TEST(ReplaceFilesTest, AFailedRenameNamesTheFileAndLeavesNoTemporaryFile) {
   writeFile(first, "first");
   writeFile(occupied / "inside.txt", "kept");
 
-  EXPECT_THAT(replaceErrorOf({{first, "changed"}, {occupied, "changed"}}),
+  EXPECT_THAT(inputErrorOf([&] { replaceFiles({{first, "changed"}, {occupied, "changed"}}); }),
               HasSubstr(occupied.string() + ": cannot replace"));
   // Staging succeeded for both, so the rename before the failing one has happened.
   EXPECT_EQ(readFile(first), "changed");
