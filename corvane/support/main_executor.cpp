@@ -3,6 +3,7 @@
 #include "corvane/support/main_queue.hpp"
 
 #include <boost/asio/post.hpp>
+#include <boost/asio/strand.hpp>
 #include <boost/asio/system_executor.hpp>
 
 #include <mutex>
@@ -21,13 +22,21 @@ MainExecutorState& state() {
   return instance;
 }
 
+// Without a host loop the main queue is still one queue: a strand keeps posted work in
+// order and runs one piece at a time, as a user-interface thread would. Never destroyed,
+// so that work posted during exit does not meet a strand whose service is gone.
+const boost::asio::any_io_executor& fallbackExecutor() {
+  static const auto* strand = new boost::asio::any_io_executor(boost::asio::make_strand(boost::asio::system_executor()));
+  return *strand;
+}
+
 }  // namespace
 
 boost::asio::any_io_executor mainExecutor() {
   auto& s = state();
   std::lock_guard lock(s.mutex);
   if (s.executor) return s.executor;
-  return boost::asio::system_executor();
+  return fallbackExecutor();
 }
 
 void setMainExecutor(boost::asio::any_io_executor executor) {

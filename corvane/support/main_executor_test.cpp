@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <future>
 #include <thread>
 #include <vector>
@@ -21,6 +22,28 @@ TEST(MainExecutor, WithoutAHostLoopWorkStillRuns) {
   auto future = ranOn.get_future();
   // The system executor runs it on one of its own threads.
   EXPECT_NE(future.get(), std::this_thread::get_id());
+}
+
+TEST(MainExecutor, WithoutAHostLoopWorkRunsInOrderOnePieceAtATime) {
+  setMainExecutor({});
+  constexpr int kPieces = 2000;
+  std::vector<int> order;  // unguarded on purpose: only one piece may run at a time
+  std::atomic<bool> running{false};
+  std::atomic<bool> overlapped{false};
+  std::atomic<int> finished{0};
+  std::promise<void> done;
+  for (int piece = 0; piece < kPieces; ++piece) {
+    postToMain([&, piece] {
+      if (running.exchange(true)) overlapped = true;
+      order.push_back(piece);
+      running = false;
+      if (++finished == kPieces) done.set_value();
+    });
+  }
+  done.get_future().wait();
+  EXPECT_FALSE(overlapped);
+  ASSERT_EQ(order.size(), static_cast<std::size_t>(kPieces));
+  for (int piece = 0; piece < kPieces; ++piece) ASSERT_EQ(order[piece], piece);
 }
 
 TEST(MainExecutor, InstalledLoopRunsWorkOnlyWhenDrainedAndInOrder) {
@@ -38,11 +61,13 @@ TEST(MainExecutor, InstalledLoopRunsWorkOnlyWhenDrainedAndInOrder) {
 }
 
 TEST(MainExecutor, RemovingTheLoopRestoresTheDefault) {
+  setMainExecutor({});
+  const auto fallback = mainExecutor();
   {
     testing::TestMainLoop loop;
     EXPECT_EQ(mainExecutor(), boost::asio::any_io_executor(loop.context().get_executor()));
   }
-  EXPECT_EQ(mainExecutor(), boost::asio::any_io_executor(boost::asio::system_executor()));
+  EXPECT_EQ(mainExecutor(), fallback);
 }
 
 }  // namespace
