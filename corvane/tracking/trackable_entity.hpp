@@ -43,6 +43,8 @@ class TrackableEntity : public Observable {
   /// same exception, before anything else happens), removes the shared validation cache's
   /// entry under `entityId() + ":validation"`, then awaits `didSave()`. The default does not
   /// mark properties saved: entities with tracked properties do that in their own override.
+  /// The entity must outlive the returned awaitable, as with any member coroutine;
+  /// `UnifiedChangeTracker` holds its entities for the whole of a submit.
   virtual boost::asio::awaitable<void> saveChanges();
   /// Discards unsaved edits. By default: `willDiscard()`, removal of the cache entry under
   /// `entityId() + ":validation"`, `didDiscard()`.

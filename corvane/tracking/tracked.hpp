@@ -192,7 +192,9 @@ class Tracked final : public TrackedValidatable, public Observable {
 
   /// Runs every rule on the current value and returns the last rule's verdict (`valid()`
   /// without rules). Rules are not combined: a field that needs several checks gets one
-  /// rule that combines them. Stores nothing.
+  /// rule that combines them. Stores nothing. Rules see the stored value itself, not a
+  /// copy (a field may hold megabytes), so a rule must not write its own property or
+  /// change its rules.
   ValidationResult validate() const {
     ValidationResult result = ValidationResult::valid();
     for (const auto& rule : validationRules_) result = rule(storage_);
@@ -209,7 +211,8 @@ class Tracked final : public TrackedValidatable, public Observable {
   }
 
   /// Appends `rule`. The stored verdict is not recomputed until the value next changes,
-  /// `discardChanges()` runs, or a caller revalidates.
+  /// `discardChanges()` runs, or a caller revalidates. Not to be called from one of this
+  /// property's own rules.
   void addValidation(Rule rule) {
     observationRegistrar().withMutation(kValidationRules, [&] { validationRules_.push_back(std::move(rule)); });
   }
