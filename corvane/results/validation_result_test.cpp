@@ -77,11 +77,6 @@ TEST(ValidationResultConstants, ValidRequiredCarriesABlocker) {
   EXPECT_FALSE(result.displayBehavior.has_value());
 }
 
-TEST(ValidationResultConstants, AreCreatedOnce) {
-  EXPECT_EQ(&ValidationResult::valid(), &ValidationResult::valid());
-  EXPECT_EQ(&ValidationResult::validRequired(), &ValidationResult::validRequired());
-}
-
 // --- factories --------------------------------------------------------------------------
 
 TEST(ValidationResultFactories, ValidRequiredNamesTheField) {
@@ -197,8 +192,6 @@ TEST(ValidationResultFactories, TooLongAcceptsTheLargestRepresentableDoubling) {
   EXPECT_EQ(result.message, "Name is 4611686018427387904 characters too long");
   EXPECT_EQ(result.actionGuidance->primaryAction.title, "Auto-trim to 4611686018427387903");
 }
-
-using ValidationResultFactoriesDeathTest = ::testing::Test;
 
 TEST(ValidationResultFactoriesDeathTest, TooLongAbortsWhenTwiceTheLimitOverflows) {
   constexpr auto kMax = std::numeric_limits<std::int64_t>::max();

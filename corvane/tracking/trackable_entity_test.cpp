@@ -63,9 +63,10 @@ class PlainEntity final : public TrackableEntity {
   ValidationResult verdict_;
 };
 
-void cacheEntryFor(const std::string& entityId) {
+/// Caches a verdict under the entity's key; true when the entry is there afterwards.
+bool cacheEntryFor(const std::string& entityId) {
   ValidationCache::shared().getOrCompute(entityId + ":validation", "hash", [] { return ValidationResult::info(); });
-  ASSERT_TRUE(ValidationCache::shared().entry(entityId + ":validation").has_value());
+  return ValidationCache::shared().entry(entityId + ":validation").has_value();
 }
 
 bool isCached(const std::string& entityId) {
@@ -75,7 +76,7 @@ bool isCached(const std::string& entityId) {
 TEST(TrackableEntitySave, InvalidatesTheCacheEntryBetweenTheHooks) {
   testing::TestMainLoop loop;
   HookedEntity entity("entity-save-ok");
-  cacheEntryFor(entity.entityId());
+  ASSERT_TRUE(cacheEntryFor(entity.entityId()));
   loop.run(entity.saveChanges());
   EXPECT_EQ(entity.log, (std::vector<std::string>{"willSave (cached)", "didSave (gone)"}));
   EXPECT_FALSE(isCached(entity.entityId()));
@@ -85,7 +86,7 @@ TEST(TrackableEntitySave, FailingWillSaveAbortsBeforeTheCacheIsTouched) {
   testing::TestMainLoop loop;
   HookedEntity entity("entity-save-fails");
   entity.failWillSave = true;
-  cacheEntryFor(entity.entityId());
+  ASSERT_TRUE(cacheEntryFor(entity.entityId()));
   try {
     loop.run(entity.saveChanges());
     FAIL() << "saveChanges should have failed";
@@ -98,7 +99,7 @@ TEST(TrackableEntitySave, FailingWillSaveAbortsBeforeTheCacheIsTouched) {
 
 TEST(TrackableEntityDiscard, InvalidatesTheCacheEntryBetweenTheHooks) {
   HookedEntity entity("entity-discard");
-  cacheEntryFor(entity.entityId());
+  ASSERT_TRUE(cacheEntryFor(entity.entityId()));
   entity.discardChanges();
   EXPECT_EQ(entity.log, (std::vector<std::string>{"willDiscard (cached)", "didDiscard (gone)"}));
   EXPECT_FALSE(isCached(entity.entityId()));
@@ -107,11 +108,11 @@ TEST(TrackableEntityDiscard, InvalidatesTheCacheEntryBetweenTheHooks) {
 TEST(TrackableEntityDefaults, SaveAndDiscardWorkWithoutHooks) {
   testing::TestMainLoop loop;
   PlainEntity entity("entity-plain", ValidationResult::valid());
-  cacheEntryFor(entity.entityId());
+  ASSERT_TRUE(cacheEntryFor(entity.entityId()));
   loop.run(entity.saveChanges());
   EXPECT_FALSE(isCached(entity.entityId()));
 
-  cacheEntryFor(entity.entityId());
+  ASSERT_TRUE(cacheEntryFor(entity.entityId()));
   entity.discardChanges();
   EXPECT_FALSE(isCached(entity.entityId()));
   EXPECT_TRUE(entity.storedProperties().empty());
@@ -120,8 +121,8 @@ TEST(TrackableEntityDefaults, SaveAndDiscardWorkWithoutHooks) {
 TEST(TrackableEntityDefaults, SaveLeavesOtherEntitiesEntriesAlone) {
   testing::TestMainLoop loop;
   PlainEntity entity("entity-a", ValidationResult::valid());
-  cacheEntryFor("entity-ab");
-  cacheEntryFor("entity-a");
+  ASSERT_TRUE(cacheEntryFor("entity-ab"));
+  ASSERT_TRUE(cacheEntryFor("entity-a"));
   loop.run(entity.saveChanges());
   EXPECT_FALSE(isCached("entity-a"));
   EXPECT_TRUE(isCached("entity-ab")) << "only the exact key goes, not every key it prefixes";
