@@ -60,11 +60,6 @@ void writeFile(const fs::path& path, std::string_view contents) {
   std::ofstream(path, std::ios::binary).write(contents.data(), static_cast<std::streamsize>(contents.size()));
 }
 
-std::string withoutTrailingLineBreaks(std::string_view text) {
-  const auto end = text.find_last_not_of("\r\n");
-  return std::string(text.substr(0, end == std::string_view::npos ? 0 : end + 1));
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -112,14 +107,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       FUZZ_CHECK(text.has_value() == written[i].has_value());
       if (!text) continue;
       bytes += written[i]->size();
-      FUZZ_CHECK(*text == withoutTrailingLineBreaks(*written[i]));
-      FUZZ_CHECK(folder.locales[0].endsWithLineBreak[i] == (text->size() < written[i]->size()));
+      // The text and its frame give back the file byte for byte, and the frame holds no text.
+      FUZZ_CHECK(folder.locales[0].frames[i].around(*text) == *written[i]);
+      FUZZ_CHECK(!text->ends_with('\n') && !text->ends_with('\r'));
+      FUZZ_CHECK(folder.locales[0].frames[i].byteOrderMark == written[i]->starts_with(kByteOrderMark));
     }
     const auto& email = written[kLocaleFields.size()];
     FUZZ_CHECK(folder.reviewEmail.has_value() == email.has_value());
     if (email) {
       bytes += email->size();
-      FUZZ_CHECK(*folder.reviewEmail == withoutTrailingLineBreaks(*email));
+      std::string expected = *email;
+      (void)unframe(expected);
+      FUZZ_CHECK(*folder.reviewEmail == expected);
     }
     FUZZ_CHECK(folder.bytesRead == bytes);
 

@@ -1,6 +1,7 @@
 #include "checker.hpp"
 
 #include "metadata_submission.hpp"
+#include "input_error.hpp"
 #include "staged_file.hpp"
 
 #include "corvane/completion/aggregate_completion_guide.hpp"
@@ -8,10 +9,6 @@
 #include <algorithm>
 
 namespace corvane::cli {
-
-std::string fileContents(const FixChange& change, bool endsWithLineBreak) {
-  return endsWithLineBreak ? change.after + "\n" : change.after;
-}
 
 Checker::Checker(CheckOptions options) : options_(std::move(options)), folder_(readMetadataFolder(options_.directory)) {
   for (auto& locale : folder_.locales) {
@@ -28,7 +25,38 @@ std::vector<FixChange> Checker::plannedFixes() const {
   return fixes;
 }
 
+namespace {
+
+// The files `fixes` write, by their resolved paths: a link inside the folder updates its
+// target rather than being replaced. Fields that share one file through links must agree
+// on its new contents, or whichever was written last would undo the others.
+std::vector<std::pair<std::filesystem::path, std::string>> replacementsFor(
+    const std::vector<FixChange>& fixes, const std::vector<std::unique_ptr<LocaleCheck>>& locales) {
+  std::vector<std::pair<std::filesystem::path, std::string>> replacements;
+  std::vector<const FixChange*> writers;
+  for (const auto& change : fixes) {
+    const auto& locale = **std::ranges::find_if(locales, [&](const auto& l) { return l->locale() == change.locale; });
+    const auto& frame = locale.metadata().frames[static_cast<std::size_t>(change.field)];
+    auto target = std::filesystem::canonical(change.path);
+    auto contents = frame.around(change.after);
+    const auto same = std::ranges::find(replacements, target, &std::pair<std::filesystem::path, std::string>::first);
+    if (same == replacements.end()) {
+      replacements.emplace_back(std::move(target), std::move(contents));
+      writers.push_back(&change);
+    } else if (same->second != contents) {
+      const auto& other = *writers[static_cast<std::size_t>(same - replacements.begin())];
+      throw InputError(change.path.string() + " and " + other.path.string() + " are the same file (" +
+                       target.string() + ") and need different fixes; trim it by hand or stop sharing it");
+    }
+  }
+  return replacements;
+}
+
+}  // namespace
+
 void Checker::applyFixes(const std::vector<FixChange>& fixes) {
+  // Checked before anything changes, so that a dry run foresees the refusal too.
+  const auto replacements = replacementsFor(fixes, locales_);
   for (const auto& change : fixes) {
     for (auto& locale : locales_) {
       if (locale->locale() == change.locale) locale->apply(change);
@@ -38,13 +66,6 @@ void Checker::applyFixes(const std::vector<FixChange>& fixes) {
   if (options_.dryRun) {
     for (auto& locale : locales_) locale->discard();
     return;
-  }
-  std::vector<std::pair<std::filesystem::path, std::string>> replacements;
-  for (const auto& change : fixes) {
-    const auto& locale = **std::ranges::find_if(locales_, [&](const auto& l) { return l->locale() == change.locale; });
-    const bool lineBreak = locale.metadata().endsWithLineBreak[static_cast<std::size_t>(change.field)];
-    // Through a link inside the folder, the shared target is updated, not the link replaced.
-    replacements.emplace_back(std::filesystem::canonical(change.path), fileContents(change, lineBreak));
   }
   replaceFiles(replacements);
   for (auto& locale : locales_) locale->markSaved();

@@ -43,7 +43,9 @@ class Checker {
   /// Applies `fixes` as edits and, unless this is a dry run, writes the changed files and
   /// marks the edits saved; a dry run discards them again, so the report describes the
   /// files as they are. Every new file is written beside its old one before any replaces
-  /// it, so when one cannot be written (`InputError`), no file has changed.
+  /// it, so when one cannot be written (`InputError`), no file has changed. Fixes of fields
+  /// that share one file through links must agree on its contents, or nothing is applied
+  /// (`InputError`), in a dry run too.
   void applyFixes(const std::vector<FixChange>& fixes);
 
   /// The report on the current state, with the checklist filed in an
@@ -57,9 +59,5 @@ class Checker {
   std::vector<FixChange> appliedFixes_;
   bool fixesWritten_ = false;
 };
-
-/// The file's new contents for `change`: the trimmed text, with the line break the file
-/// ended in kept.
-std::string fileContents(const FixChange& change, bool endsWithLineBreak);
 
 }  // namespace corvane::cli

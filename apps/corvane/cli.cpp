@@ -34,7 +34,10 @@ Invocation parseCheck(std::span<const std::string> arguments) {
     auto valueOf = [&](std::string_view option) -> std::string {
       const std::string prefix = std::string(option) + "=";
       if (argument.starts_with(prefix)) return argument.substr(prefix.size());
-      if (i + 1 >= arguments.size()) throw UsageError(std::string(option) + " needs a value");
+      // "--app-version --fix" forgot the version; it must not swallow the next option.
+      if (i + 1 >= arguments.size() || arguments[i + 1].starts_with("--")) {
+        throw UsageError(std::string(option) + " needs a value");
+      }
       return arguments[++i];
     };
     if (argument == "--format" || argument.starts_with("--format=")) {
@@ -61,6 +64,9 @@ Invocation parseCheck(std::span<const std::string> arguments) {
       directory = argument;
     }
   }
+  if (!directory && invocation.options.fix && !invocation.options.dryRun) {
+    throw UsageError("--fix needs a folder: the bundled sample is never rewritten");
+  }
   invocation.options.directory = directory ? *directory : CorvaneResources::sampleMetadataDirectory();
   return invocation;
 }
@@ -83,12 +89,12 @@ int check(const Invocation& invocation, std::ostream& out, bool colour) {
   Checker checker(invocation.options);
   if (invocation.options.fix) {
     const auto fixes = checker.plannedFixes();
+    // Listed once applied, so that a refused or failed write claims no change.
+    checker.applyFixes(fixes);
     if (invocation.format == Format::text) {
       writeFixLines(fixes, invocation.options.dryRun, out, colour);
       if (fixes.empty()) out << "Nothing to fix automatically.\n";
-      out.flush();
     }
-    checker.applyFixes(fixes);
   }
   const auto report = checker.report();
   if (invocation.format == Format::json) {

@@ -2,10 +2,14 @@
 
 #include "cli_test_support.hpp"
 
+#include "corvane/text/characters.hpp"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -66,7 +70,11 @@ TEST(CliTest, UsageErrorsExitWithStatus2) {
                                                                      {"check", "--format", "xml"},
                                                                      {"check", "--format"},
                                                                      {"check", "--colour"},
-                                                                     {"check", "a", "b"}}) {
+                                                                     {"check", "a", "b"},
+                                                                     // a forgotten value must not swallow an option
+                                                                     {"check", "a", "--app-version", "--fix"},
+                                                                     // the bundled sample is never rewritten
+                                                                     {"check", "--fix"}}) {
     const auto result = run(arguments);
     EXPECT_EQ(result.status, exitUsageOrInput) << ::testing::PrintToString(arguments);
     EXPECT_THAT(result.err, HasSubstr("corvane: "));
@@ -134,6 +142,44 @@ TEST(CliTest, FixWritesThroughALinkInsideTheFolder) {
   EXPECT_THAT(result.out, HasSubstr("fix: en-GB/name.txt"));
   EXPECT_TRUE(fs::is_symlink(root / "en-GB" / "name.txt"));
   EXPECT_EQ(testing::readFile(root / "en-US" / "name.txt"), std::string(30, 'n'));
+}
+
+TEST(CliTest, FixKeepsByteOrderMarkAndLineBreaksAsWritten) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  // The mark and the line breaks are not counted: 31 letters need exactly one trimmed.
+  testing::writeFile(root / "en-US" / "name.txt", "\xEF\xBB\xBF" + std::string(31, 'n') + "\r\n\r\n");
+  const auto result = run({"check", root.string(), "--fix"});
+  EXPECT_THAT(result.out, HasSubstr("fix: en-US/name.txt: Auto-trim to 30, 31 -> 30 characters"));
+  EXPECT_EQ(testing::readFile(root / "en-US" / "name.txt"), "\xEF\xBB\xBF" + std::string(30, 'n') + "\r\n\r\n");
+}
+
+TEST(CliTest, FieldsSharingAFileThatNeedDifferentFixesChangeNothing) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  testing::writeFile(root / "en-US" / "shared.txt", std::string(200, 'x') + "\n");
+  fs::create_symlink("shared.txt", root / "en-US" / "name.txt");
+  fs::create_symlink("shared.txt", root / "en-US" / "promotional_text.txt");
+  const auto before = snapshot(root);
+  for (const auto* mode : {"--fix", "--dry-run"}) {
+    const auto result = run({"check", root.string(), mode});
+    EXPECT_EQ(result.status, exitUsageOrInput) << mode;
+    EXPECT_THAT(result.err, HasSubstr("are the same file")) << mode;
+    EXPECT_EQ(result.out, "") << mode << ": no fix may be listed as made";
+    EXPECT_EQ(snapshot(root), before) << mode;
+  }
+}
+
+TEST(CliTest, ReportsStayCleanWhateverTheFilesAndFolderNamesHold) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path() / "caf\xe9";  // a folder name that is not UTF-8
+  testing::writeFile(root / "en-US" / "name.txt", "Escape \x1b[2J" + std::string(30, 'e'));
+  const auto json = run({"check", root.string(), "--format", "json"});
+  EXPECT_EQ(firstInvalidUtf8Offset(json.out), std::nullopt) << json.out;
+  EXPECT_THAT(json.out, HasSubstr("caf\uFFFD"));
+  const auto text = run({"check", root.string(), "--dry-run"});
+  EXPECT_THAT(text.out, Not(HasSubstr("\x1b"))) << "file contents must not reach the terminal raw";
+  EXPECT_THAT(text.out, HasSubstr("- Escape \\x1B[2J"));
 }
 
 TEST(CliTest, ColoursOnlyOnATerminalWithoutNoColor) {

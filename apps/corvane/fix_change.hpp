@@ -21,7 +21,8 @@ struct FixChange {
   /// The text before and after, without the final line break.
   std::string before;
   std::string after;
-  /// Their lengths in user-perceived characters.
+  /// Their lengths in user-perceived characters, without surrounding white space, as the
+  /// limits count them.
   std::int64_t charactersBefore;
   std::int64_t charactersAfter;
 };

@@ -1,14 +1,33 @@
 #include "json_writer.hpp"
 
+#include "corvane/text/characters.hpp"
+
 #include <fmt/format.h>
 
 #include <string>
 
 namespace corvane::cli {
 
+namespace {
+
+// File contents are checked on reading, but a folder's name may hold any bytes; those that
+// are not UTF-8 become U+FFFD, so that the report stays valid JSON.
+std::string validUtf8(std::string_view text) {
+  std::string result;
+  while (const auto offset = firstInvalidUtf8Offset(text)) {
+    result.append(text.substr(0, *offset));
+    result += "\uFFFD";
+    text.remove_prefix(*offset + 1);
+  }
+  result.append(text);
+  return result;
+}
+
+}  // namespace
+
 std::string jsonQuoted(std::string_view text) {
   std::string result = "\"";
-  for (const char c : text) {
+  for (const char c : validUtf8(text)) {
     switch (c) {
       case '"':
         result += "\\\"";

@@ -175,7 +175,8 @@ std::vector<FixChange> LocaleCheck::plannedFixes() const {
     const std::string before(metadata_.text(field));
     std::string after = trimToLimit(before, *limit);
     if (after == before) continue;
-    const auto beforeCount = static_cast<std::int64_t>(characterCount(before));
+    // Counted as the limits count: without surrounding white space.
+    const auto beforeCount = static_cast<std::int64_t>(characterCount(trimmed(before)));
     const auto afterCount = static_cast<std::int64_t>(characterCount(after));
     result.push_back(FixChange{.locale = metadata_.locale,
                                .field = field,

@@ -18,7 +18,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 LocaleMetadata localeWith(std::initializer_list<std::pair<MetadataField, std::string>> texts) {
-  LocaleMetadata locale{.locale = "en-US", .folder = "/nowhere/en-US", .texts = {}, .endsWithLineBreak = {}};
+  LocaleMetadata locale{.locale = "en-US", .folder = "/nowhere/en-US", .texts = {}, .frames = {}};
   for (const auto& [field, text] : texts) locale.texts[static_cast<std::size_t>(field)] = text;
   return locale;
 }
@@ -79,6 +79,22 @@ TEST(LocaleCheckTest, ReportsEachProblemUnderItsFileAndGroupOnce) {
                           "rejectionRisks en-US/privacy_url.txt: Privacy policy URL should use https://",
                           "blockers en-US/promotional_text.txt: Promotional text is 1 characters too long",
                           "rejectionRisks --app-version: Version must be in format X.Y.Z"));
+}
+
+TEST(LocaleCheckTest, WebAddressesNeedAHostAndTakeTheSchemeInAnyCase) {
+  const auto privacyFindings = [](std::string address) {
+    auto locale = cleanLocale();
+    locale.texts[static_cast<std::size_t>(MetadataField::privacyUrl)] = std::move(address);
+    return describeFindings(LocaleCheck(locale, std::nullopt, std::nullopt));
+  };
+  const std::string unusable =
+      "blockers en-US/privacy_url.txt: Invalid privacy policy url format";
+  for (const auto* address : {"https://", "https:///privacy", "http://?q", "example.com/privacy", "ftp://example.com/"}) {
+    EXPECT_THAT(privacyFindings(address), ElementsAre(unusable)) << address;
+  }
+  EXPECT_THAT(privacyFindings("HTTPS://Example.com/Privacy"), IsEmpty());
+  EXPECT_THAT(privacyFindings("Http://example.com/privacy"),
+              ElementsAre("rejectionRisks en-US/privacy_url.txt: Privacy policy URL should use https://"));
 }
 
 TEST(LocaleCheckTest, MissingRequiredTextsBlockAndShowInTheChecklist) {

@@ -21,5 +21,8 @@ int main(int argc, char** argv) {
                                         .noColor = noColor != nullptr && *noColor != '\0'};
   const int status = corvane::cli::runCli(arguments, std::cout, std::cerr, terminal);
   std::cout.flush();
-  return std::cout ? status : corvane::cli::exitUsageOrInput;
+  if (std::cout) return status;
+  // A full disk or a closed pipe: the report is lost, so the run cannot count as passed.
+  std::cerr << "corvane: cannot write the report to standard output\n";
+  return corvane::cli::exitUsageOrInput;
 }

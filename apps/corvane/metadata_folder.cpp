@@ -55,20 +55,11 @@ std::string readTextFile(const fs::path& path, std::uintmax_t size, std::uintmax
   return text;
 }
 
-// Editors add a final line break; it is not part of the store text.
-bool dropTrailingLineBreaks(std::string& text) {
-  const auto end = text.find_last_not_of("\r\n");
-  const auto keep = end == std::string::npos ? 0 : end + 1;
-  const bool had = keep < text.size();
-  text.resize(keep);
-  return had;
-}
-
 // Reads `path` if it exists as a regular file (or a link to one inside the root).
 // `parentIsLink` says whether a folder between the root and the file is a link, in which
 // case the path is resolved even when the file itself is not a link.
 std::optional<std::string> readOptionalFile(const fs::path& path, bool parentIsLink, const fs::path& canonicalRoot,
-                                            std::uintmax_t& bytesRead, bool& endsWithLineBreak) {
+                                            std::uintmax_t& bytesRead, TextFrame& frame) {
   // One lstat answers most files: present, not a link, regular, and its size.
   struct stat info {};
   if (::lstat(path.c_str(), &info) != 0) {
@@ -81,11 +72,32 @@ std::optional<std::string> readOptionalFile(const fs::path& path, bool parentIsL
   }
   if (!S_ISREG(info.st_mode)) throw InputError(path.string() + ": not a regular file");
   std::string text = readTextFile(path, static_cast<std::uintmax_t>(info.st_size), bytesRead);
-  endsWithLineBreak = dropTrailingLineBreaks(text);
+  frame = unframe(text);
   return text;
 }
 
 }  // namespace
+
+std::string TextFrame::around(std::string_view text) const {
+  std::string contents = byteOrderMark ? std::string(kByteOrderMark) : std::string();
+  contents.append(text);
+  return contents + finalLineBreaks;
+}
+
+// Editors add a final line break and some a byte-order mark; neither is store text, and
+// counting them would make a fix cut a real character.
+TextFrame unframe(std::string& contents) {
+  TextFrame frame;
+  if (contents.starts_with(kByteOrderMark)) {
+    frame.byteOrderMark = true;
+    contents.erase(0, kByteOrderMark.size());
+  }
+  const auto end = contents.find_last_not_of("\r\n");
+  const auto keep = end == std::string::npos ? 0 : end + 1;
+  frame.finalLineBreaks = contents.substr(keep);
+  contents.resize(keep);
+  return frame;
+}
 
 std::string_view LocaleMetadata::text(MetadataField field) const {
   const auto& value = texts[static_cast<std::size_t>(field)];
@@ -108,7 +120,9 @@ bool isLocaleFolderName(std::string_view name) noexcept {
 
 MetadataFolder readMetadataFolder(const fs::path& root) {
   std::error_code error;
-  if (!fs::is_directory(root, error)) throw InputError(root.string() + ": no such folder");
+  if (!fs::is_directory(root, error)) {
+    throw InputError(root.string() + (fs::exists(root, error) ? ": not a folder" : ": no such folder"));
+  }
   const fs::path canonicalRoot = fs::canonical(root, error);
   if (error) throw InputError(root.string() + ": cannot open folder: " + error.message());
 
@@ -120,14 +134,18 @@ MetadataFolder readMetadataFolder(const fs::path& root) {
     if (!isLocaleFolderName(name)) continue;
     std::error_code entryError;
     const bool isLink = entry.is_symlink(entryError);
-    if (isLink) requireInside(entry.path(), canonicalRoot);
+    if (isLink) {
+      // A locale that a dangling link hides would silently go unchecked.
+      if (!fs::exists(entry.path(), entryError)) throw InputError(entry.path().string() + ": broken symbolic link");
+      requireInside(entry.path(), canonicalRoot);
+    }
     if (!entry.is_directory(entryError)) continue;
-    LocaleMetadata locale{.locale = name, .folder = entry.path(), .texts = {}, .endsWithLineBreak = {}};
+    LocaleMetadata locale{.locale = name, .folder = entry.path(), .texts = {}, .frames = {}};
     bool anyFile = false;
     for (const auto field : kLocaleFields) {
       const auto index = static_cast<std::size_t>(field);
       locale.texts[index] = readOptionalFile(entry.path() / fileName(field), isLink, canonicalRoot, folder.bytesRead,
-                                             locale.endsWithLineBreak[index]);
+                                             locale.frames[index]);
       anyFile = anyFile || locale.texts[index].has_value();
     }
     if (!anyFile) throw InputError(entry.path().string() + ": locale folder holds none of the metadata files");
@@ -137,7 +155,7 @@ MetadataFolder readMetadataFolder(const fs::path& root) {
   if (folder.locales.empty()) throw InputError(root.string() + ": no locale folders (such as en-US) found");
   std::ranges::sort(folder.locales, {}, &LocaleMetadata::locale);
 
-  bool ignored = false;
+  TextFrame ignored;
   folder.reviewEmail = readOptionalFile(root / "review_information" / "email_address.txt",
                                         fs::is_symlink(fs::symlink_status(root / "review_information", error)),
                                         canonicalRoot, folder.bytesRead, ignored);

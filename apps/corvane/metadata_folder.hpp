@@ -12,8 +12,25 @@
 
 namespace corvane::cli {
 
+/// The UTF-8 byte-order mark some editors put at the start of a file.
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+/// The bytes of a text file that are not part of its text: a UTF-8 byte-order mark before
+/// it and the final line breaks after it, exactly as written ("\n", "\r\n\n", ...).
+struct TextFrame {
+  bool byteOrderMark = false;
+  std::string finalLineBreaks;
+
+  /// `text` as the file would hold it, framed the same way.
+  std::string around(std::string_view text) const;
+};
+
+/// Removes the frame from a file's `contents`, leaving its text, and returns the frame.
+TextFrame unframe(std::string& contents);
+
 /// The text of one locale folder: each known file's contents, or nothing when the file is
-/// absent. Trailing line breaks are dropped on reading and remembered for writing back.
+/// absent. A byte-order mark and final line breaks are no part of a text: they are kept
+/// aside, so that a rewrite puts them back.
 struct LocaleMetadata {
   /// The folder's name, which is the locale tag ("en-US").
   std::string locale;
@@ -21,8 +38,8 @@ struct LocaleMetadata {
   std::filesystem::path folder;
   /// Indexed by `MetadataField`; nothing when the file does not exist.
   std::array<std::optional<std::string>, kLocaleFields.size()> texts;
-  /// Whether each file ended in a line break, so that a rewrite keeps it.
-  std::array<bool, kLocaleFields.size()> endsWithLineBreak{};
+  /// Indexed by `MetadataField`: what each file held around its text.
+  std::array<TextFrame, kLocaleFields.size()> frames{};
 
   /// The field's text; empty when the file is absent.
   std::string_view text(MetadataField field) const;

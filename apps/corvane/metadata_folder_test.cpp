@@ -54,12 +54,33 @@ TEST(MetadataFolderTest, ReadsLocalesInOrderAndSharesTheReviewAddress) {
 
   const auto& english = folder.locales[0];
   EXPECT_EQ(english.text(MetadataField::name), "Notes");
-  EXPECT_FALSE(english.endsWithLineBreak[static_cast<std::size_t>(MetadataField::name)]);
+  EXPECT_EQ(english.frames[static_cast<std::size_t>(MetadataField::name)].finalLineBreaks, "");
   EXPECT_EQ(english.text(MetadataField::keywords), "a,b");
-  EXPECT_TRUE(english.endsWithLineBreak[static_cast<std::size_t>(MetadataField::keywords)]);
+  EXPECT_EQ(english.frames[static_cast<std::size_t>(MetadataField::keywords)].finalLineBreaks, "\n");
   EXPECT_FALSE(english.texts[static_cast<std::size_t>(MetadataField::subtitle)].has_value());
   EXPECT_EQ(folder.locales[1].text(MetadataField::name), "Notes");
+  EXPECT_EQ(folder.locales[1].frames[static_cast<std::size_t>(MetadataField::name)].finalLineBreaks, "\r\n\n");
   EXPECT_EQ(folder.bytesRead, 8u + 5u + 4u + 19u);
+}
+
+TEST(TextFrameTest, SetsAsideTheByteOrderMarkAndFinalLineBreaksAndPutsThemBack) {
+  for (const std::string contents : {"", "\n", "\xEF\xBB\xBF", "\xEF\xBB\xBF\r\n", "a\r\nb\r\n\n", "\xEF\xBB\xBFName",
+                                     "Name \xEF\xBB\xBF\n", "\xEF\xBB\xBF\xEF\xBB\xBFx"}) {
+    std::string text = contents;
+    const auto frame = unframe(text);
+    EXPECT_EQ(frame.around(text), contents) << ::testing::PrintToString(contents);
+    EXPECT_FALSE(text.ends_with('\n') || text.ends_with('\r')) << ::testing::PrintToString(contents);
+  }
+  std::string named = "\xEF\xBB\xBFName\r\n";
+  const auto frame = unframe(named);
+  EXPECT_EQ(named, "Name");
+  EXPECT_TRUE(frame.byteOrderMark);
+  EXPECT_EQ(frame.around("Other"), "\xEF\xBB\xBFOther\r\n");
+
+  // Only the first mark is a mark; a second one is text (a zero-width no-break space).
+  std::string doubled = "\xEF\xBB\xBF\xEF\xBB\xBFx";
+  (void)unframe(doubled);
+  EXPECT_EQ(doubled, "\xEF\xBB\xBFx");
 }
 
 TEST(MetadataFolderTest, FollowsLinksThatStayInsideTheFolder) {
@@ -78,6 +99,8 @@ TEST(MetadataFolderTest, RefusesBadInputWithOneLineNamingTheFile) {
   const auto base = temporary.path();
 
   EXPECT_THAT(inputErrorOf(base / "missing"), HasSubstr("missing: no such folder"));
+  writeFile(base / "plain-file", "");
+  EXPECT_THAT(inputErrorOf(base / "plain-file"), HasSubstr("plain-file: not a folder"));
 
   fs::create_directories(base / "empty");
   EXPECT_THAT(inputErrorOf(base / "empty"), HasSubstr("empty: no locale folders"));
@@ -111,6 +134,11 @@ TEST(MetadataFolderTest, RefusesBadInputWithOneLineNamingTheFile) {
   fs::create_directory_symlink(base / "elsewhere", base / "outside-review" / "review_information");
   writeFile(base / "elsewhere" / "email_address.txt", "a@b.c");
   EXPECT_THAT(inputErrorOf(base / "outside-review"), HasSubstr("email_address.txt: symbolic link leads outside"));
+
+  // A locale hidden behind a dangling link would otherwise go unchecked.
+  writeFile(base / "dangling" / "en-US" / "name.txt", "Name");
+  fs::create_directory_symlink("nowhere", base / "dangling" / "fr");
+  EXPECT_THAT(inputErrorOf(base / "dangling"), HasSubstr("dangling/fr: broken symbolic link"));
 }
 
 TEST(MetadataFolderTest, RefusesAnUnreadableFile) {

@@ -101,6 +101,21 @@ std::string plural(std::int64_t count, std::string_view one, std::string_view ma
   return fmt::format("{} {}", count, count == 1 ? one : many);
 }
 
+// A text quoted into the report, with control characters spelt out: a file's contents must
+// not move the cursor or recolour a CI log.
+std::string visible(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7F) {
+      result += fmt::format("\\x{:02X}", byte);
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
 std::string fixFile(const FixChange& change) {
   return change.locale + "/" + std::string(fileName(change.field));
 }
@@ -169,14 +184,15 @@ void writeFixLines(const std::vector<FixChange>& fixes, bool dryRun, std::ostrea
     out << paint(kBold, dryRun ? "would fix" : "fix") << ": " << fixFile(change) << ": " << change.action << ", "
         << change.charactersBefore << " -> " << change.charactersAfter << " characters\n";
     if (change.charactersBefore <= 200) {
-      out << "  " << paint(kRed, "- " + change.before) << "\n  " << paint(kGreen, "+ " + change.after) << '\n';
+      out << "  " << paint(kRed, "- " + visible(change.before)) << "\n  " << paint(kGreen, "+ " + visible(change.after))
+          << '\n';
     }
   }
 }
 
 void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) {
   const Paint paint(colour);
-  out << "corvane " << CorvaneVersionString << ": checking " << report.directory.string() << " ("
+  out << "corvane " << CorvaneVersionString << ": checking " << visible(report.directory.string()) << " ("
       << plural(static_cast<std::int64_t>(report.locales.size()), "locale", "locales") << ")\n";
   for (const auto& locale : report.locales) {
     out << '\n' << paint(kBold, locale.locale) << '\n';

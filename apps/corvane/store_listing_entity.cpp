@@ -17,8 +17,15 @@ ValidationResult webAddressCheck(const std::string& field, const std::string& va
   const std::string_view text = trimmed(value);
   if (text.empty()) return ValidationResult::valid();
   const auto url = Url::parse(text);
-  const bool https = text.starts_with("https://");
-  if (!url || !(https || text.starts_with("http://"))) {
+  // Schemes are case-insensitive; an address needs a host after the scheme ("https://" alone
+  // parses, but leads nowhere).
+  const auto separator = text.find("://");
+  const bool hasSeparator = separator != std::string_view::npos;
+  const std::string scheme = hasSeparator ? lowercased(text.substr(0, separator)) : std::string();
+  const std::string_view rest = hasSeparator ? text.substr(separator + 3) : std::string_view();
+  const bool https = scheme == "https";
+  const bool hasHost = !rest.empty() && rest.find_first_of("/?#") != 0;
+  if (!url || !(https || scheme == "http") || !hasHost) {
     return ValidationResult::invalidFormat(field, "an absolute https:// address");
   }
   if (https) return ValidationResult::valid();
