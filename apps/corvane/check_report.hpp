@@ -43,7 +43,8 @@ struct CheckReport {
   /// The most important item still open, if any.
   std::optional<CompletionItem> nextAction;
 
-  /// The number of findings of `category` over all locales.
+  /// The number of findings of `category` over all locales; a finding on shared data that
+  /// every locale lists (the review address, the version) counts once.
   std::int64_t count(FindingCategory category) const;
   /// Whether anything blocks submission; the exit status is 1 exactly then.
   bool blocked() const { return count(FindingCategory::blocker) > 0; }

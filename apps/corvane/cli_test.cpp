@@ -182,6 +182,28 @@ TEST(CliTest, ReportsStayCleanWhateverTheFilesAndFolderNamesHold) {
   EXPECT_THAT(text.out, HasSubstr("- Escape \\x1B[2J"));
 }
 
+TEST(CliTest, SharedDataCountsOnceInTheDecisionThoughEveryLocaleListsIt) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  for (const auto* locale : {"de-DE", "en-US", "fr-FR"}) {
+    testing::writeFile(root / locale / "name.txt", "Corvane Notes");
+    testing::writeFile(root / locale / "subtitle.txt", "Notes that check themselves");
+    testing::writeFile(root / locale / "keywords.txt", "notes,writing,lists");
+    testing::writeFile(root / locale / "privacy_url.txt", "https://example.com/privacy");
+  }
+  testing::writeFile(root / "review_information" / "email_address.txt", "review at example.com");
+  const auto result = run({"check", root.string(), "--app-version", "1.0", "--format", "json"});
+  // Each locale lists the version's risk and the review address's optimization...
+  const auto lastLocale = result.out.rfind("\"locale\": \"fr-FR\"");
+  ASSERT_NE(lastLocale, std::string::npos);
+  EXPECT_NE(result.out.find("\"file\": \"--app-version\"", lastLocale), std::string::npos);
+  EXPECT_NE(result.out.find("\"file\": \"review_information/email_address.txt\"", lastLocale), std::string::npos);
+  // ...but the decision counts each once.
+  EXPECT_THAT(result.out, HasSubstr("\"rejectionRisks\": 1,\n    \"optimizations\": 1,\n"));
+  const auto text = run({"check", root.string(), "--app-version", "1.0"});
+  EXPECT_THAT(text.out, HasSubstr(" 1 rejection risk, "));
+}
+
 TEST(CliTest, ColoursOnlyOnATerminalWithoutNoColor) {
   TemporaryFolder temporary;
   const auto sample = testing::copySample(temporary.path() / "metadata");

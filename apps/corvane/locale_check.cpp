@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 
 namespace corvane::cli {
 namespace {
@@ -158,6 +159,17 @@ std::vector<Finding> LocaleCheck::findings() const {
     if (seen) continue;
     result.push_back(Finding{*category, source.file, source.property, std::move(verdict)});
   }
+  // Two entities judge the name, subtitle and keywords. When both find a text wrong, the
+  // more severe verdict says so; the milder one would only repeat it in another group.
+  std::map<std::string, FindingCategory> mostSevere;  // owned keys: the erase moves findings
+  for (const auto& finding : result) {
+    if (finding.verdict.isValid) continue;
+    const auto [entry, added] = mostSevere.emplace(finding.file, finding.category);
+    if (!added) entry->second = std::min(entry->second, finding.category);
+  }
+  std::erase_if(result, [&](const Finding& finding) {
+    return !finding.verdict.isValid && finding.category != mostSevere.at(finding.file);
+  });
   return result;
 }
 

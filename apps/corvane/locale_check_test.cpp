@@ -81,6 +81,18 @@ TEST(LocaleCheckTest, ReportsEachProblemUnderItsFileAndGroupOnce) {
                           "rejectionRisks --app-version: Version must be in format X.Y.Z"));
 }
 
+TEST(LocaleCheckTest, AWrongTextIsReportedOnceInItsMostSevereGroup) {
+  const auto findingsFor = [](MetadataField field, std::string text) {
+    auto locale = cleanLocale();
+    locale.texts[static_cast<std::size_t>(field)] = std::move(text);
+    return describeFindings(LocaleCheck(locale, std::nullopt, std::nullopt));
+  };
+  // Both entities judge these files; only the blocker remains.
+  EXPECT_THAT(findingsFor(MetadataField::name, ""), ElementsAre("blockers en-US/name.txt: App name is required"));
+  EXPECT_THAT(findingsFor(MetadataField::subtitle, std::string(40, 's')),
+              ElementsAre("blockers en-US/subtitle.txt: Subtitle is 10 characters too long"));
+}
+
 TEST(LocaleCheckTest, WebAddressesNeedAHostAndTakeTheSchemeInAnyCase) {
   const auto privacyFindings = [](std::string address) {
     auto locale = cleanLocale();
