@@ -49,6 +49,25 @@ std::string trimToLimit(std::string_view text, std::int64_t limit) {
       trimmed(prefixCharacters(trimmed(text), static_cast<std::size_t>(std::max<std::int64_t>(limit, 0)))));
 }
 
+std::string trimKeywordsToLimit(std::string_view text, std::int64_t limit) {
+  std::string cut = trimToLimit(text, limit);
+  // `cut` is a prefix of the trimmed text; it ends between keywords when a comma or
+  // nothing follows it.
+  const std::string_view rest = trimmed(text).substr(cut.size());
+  const auto lastComma = cut.rfind(',');
+  if (!trimmed(rest).empty() && !trimmed(rest).starts_with(',') && lastComma != std::string::npos) {
+    cut.resize(lastComma);
+  }
+  // No comma or white space dangles at the end ("notes,lists, " is "notes,lists"). `cut`
+  // starts with no white space, so trimming only shortens it.
+  for (;;) {
+    const std::size_t kept = trimmed(cut).size();
+    const bool comma = kept > 0 && cut[kept - 1] == ',';
+    cut.resize(comma ? kept - 1 : kept);
+    if (!comma) return cut;
+  }
+}
+
 LocaleCheck::LocaleCheck(LocaleMetadata locale, const std::optional<std::string>& reviewEmail,
                          const std::optional<std::string>& appVersion)
     : metadata_(std::move(locale)),
@@ -185,7 +204,9 @@ std::vector<FixChange> LocaleCheck::plannedFixes() const {
     });
     if (fixable == all.end()) continue;
     const std::string before(metadata_.text(field));
-    std::string after = trimToLimit(before, *limit);
+    // A keyword cut in half would be a new, wrong keyword: keywords lose whole ones.
+    std::string after = field == MetadataField::keywords ? trimKeywordsToLimit(before, *limit)
+                                                         : trimToLimit(before, *limit);
     if (after == before) continue;
     // Counted as the limits count: without surrounding white space.
     const auto beforeCount = static_cast<std::int64_t>(characterCount(trimmed(before)));

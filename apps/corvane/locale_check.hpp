@@ -91,4 +91,9 @@ std::vector<std::string> splitKeywords(std::string_view text);
 /// inside a character, without white space left dangling at the cut.
 std::string trimToLimit(std::string_view text, std::int64_t limit);
 
+/// A keyword list (comma-separated) trimmed like `trimToLimit`, but cut after the last whole
+/// keyword that fits, with no comma left at the end. A first keyword longer than the limit
+/// is cut like any text.
+std::string trimKeywordsToLimit(std::string_view text, std::int64_t limit);
+
 }  // namespace corvane::cli

@@ -156,6 +156,16 @@ TEST(LocaleCheckTest, PlansTrimsOnCharacterBoundariesAndTracksThemAsEdits) {
   EXPECT_EQ(check.metadata().text(MetadataField::name), fixes[0].after);
 }
 
+TEST(LocaleCheckTest, KeywordsLoseWholeKeywordsNeverHalfOfOne) {
+  EXPECT_EQ(trimKeywordsToLimit("alpha,beta,gamma", 12), "alpha,beta");
+  EXPECT_EQ(trimKeywordsToLimit("alpha,beta,gamma", 10), "alpha,beta") << "the cut already ends a keyword";
+  EXPECT_EQ(trimKeywordsToLimit("alpha, beta ,gamma", 13), "alpha, beta");
+  EXPECT_EQ(trimKeywordsToLimit("alpha,beta,,gamma", 11), "alpha,beta") << "no comma at the end";
+  EXPECT_EQ(trimKeywordsToLimit("alpha,beta", 20), "alpha,beta");
+  EXPECT_EQ(trimKeywordsToLimit("supercalifragilistic,word", 5), "super") << "one keyword longer than the limit";
+  EXPECT_EQ(trimKeywordsToLimit(" , ,alpha", 2), "") << "nothing whole fits";
+}
+
 TEST(LocaleCheckTest, SplitsKeywordsAndTrimsText) {
   EXPECT_THAT(splitKeywords(" notes, writing ,,lists,"), ElementsAre("notes", "writing", "lists"));
   EXPECT_THAT(splitKeywords(""), IsEmpty());
