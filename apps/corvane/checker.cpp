@@ -1,7 +1,7 @@
 #include "checker.hpp"
 
-#include "metadata_submission.hpp"
 #include "input_error.hpp"
+#include "metadata_submission.hpp"
 #include "staged_file.hpp"
 
 #include "corvane/completion/aggregate_completion_guide.hpp"

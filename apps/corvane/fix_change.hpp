@@ -18,7 +18,8 @@ struct FixChange {
   std::filesystem::path path;
   /// The title of the verdict's primary action, e.g. "Auto-trim to 30".
   std::string action;
-  /// The text before and after, without the final line break.
+  /// The text before and after, without the file's frame (byte-order mark, final line
+  /// breaks).
   std::string before;
   std::string after;
   /// Their lengths in user-perceived characters, without surrounding white space, as the
