@@ -11,51 +11,38 @@ namespace {
 
 using Kind = CompletionError::Kind;
 
-TEST(CompletionError, WrappingCasesAppendTheUnderlyingDescriptionDirectly) {
+TEST(CompletionError, EachCaseHasItsTextAndOnlyTheWrappingCasesKeepTheirError) {
   const auto diskFull = std::make_exception_ptr(std::runtime_error("disk full"));
-  const CompletionError failed = CompletionError::executionFailed(diskFull);
-  EXPECT_EQ(failed.kind(), Kind::executionFailed);
-  EXPECT_EQ(failed.errorDescription(), "Completion failed: disk full");
-  EXPECT_STREQ(failed.what(), "Completion failed: disk full");
-  EXPECT_EQ(failed.underlyingError(), diskFull);
-
-  const CompletionError unknown = CompletionError::unknown(diskFull);
-  EXPECT_EQ(unknown.kind(), Kind::unknown);
-  EXPECT_EQ(unknown.errorDescription(), "Unknown completion error: disk full");
-  EXPECT_STREQ(unknown.what(), "Unknown completion error: disk full");
-  EXPECT_EQ(unknown.underlyingError(), diskFull);
-
-  // No separator is added, not even for an empty underlying description.
-  EXPECT_EQ(CompletionError::executionFailed(std::make_exception_ptr(std::runtime_error(""))).errorDescription(),
-            "Completion failed: ");
-}
-
-TEST(CompletionError, WrapsAnyKindOfException) {
-  const CompletionError nested = CompletionError::executionFailed(std::make_exception_ptr(CompletionError::timeout()));
-  EXPECT_EQ(nested.errorDescription(), "Completion failed: Completion timed out");
-  const CompletionError notStandard = CompletionError::unknown(std::make_exception_ptr(42));
-  EXPECT_EQ(notStandard.errorDescription(), "Unknown completion error: unknown error");
-}
-
-TEST(CompletionError, CasesWithoutPayloadHaveFixedTexts) {
+  const auto empty = std::make_exception_ptr(std::runtime_error(""));
+  const auto timedOut = std::make_exception_ptr(CompletionError::timeout());
+  const auto notStandard = std::make_exception_ptr(42);
   struct Case {
     CompletionError error;
     Kind kind;
     std::string text;
+    std::exception_ptr underlying;
   };
   const Case cases[] = {
+      // The wrapping cases append the underlying description directly: no separator is
+      // added, not even for an empty description.
+      {CompletionError::executionFailed(diskFull), Kind::executionFailed, "Completion failed: disk full", diskFull},
+      {CompletionError::unknown(diskFull), Kind::unknown, "Unknown completion error: disk full", diskFull},
+      {CompletionError::executionFailed(empty), Kind::executionFailed, "Completion failed: ", empty},
+      {CompletionError::executionFailed(timedOut), Kind::executionFailed, "Completion failed: Completion timed out",
+       timedOut},
+      {CompletionError::unknown(notStandard), Kind::unknown, "Unknown completion error: unknown error", notStandard},
       {CompletionError::requirementsNotMet(), Kind::requirementsNotMet,
-       "Cannot complete - not all requirements are met"},
+       "Cannot complete - not all requirements are met", nullptr},
       {CompletionError::hasBlockingIssues(), Kind::hasBlockingIssues,
-       "Cannot complete - there are blocking issues that need to be resolved"},
-      {CompletionError::timeout(), Kind::timeout, "Completion timed out"},
-      {CompletionError::cancelled(), Kind::cancelled, "Completion was cancelled"},
+       "Cannot complete - there are blocking issues that need to be resolved", nullptr},
+      {CompletionError::timeout(), Kind::timeout, "Completion timed out", nullptr},
+      {CompletionError::cancelled(), Kind::cancelled, "Completion was cancelled", nullptr},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(c.error.kind(), c.kind) << c.text;
     EXPECT_EQ(c.error.errorDescription(), c.text);
     EXPECT_EQ(std::string(c.error.what()), c.text);
-    EXPECT_FALSE(c.error.underlyingError()) << c.text;
+    EXPECT_EQ(c.error.underlyingError(), c.underlying) << c.text;
   }
 }
 

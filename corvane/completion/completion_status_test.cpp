@@ -11,20 +11,18 @@ namespace {
 
 using Limits = std::numeric_limits<std::int64_t>;
 
-TEST(CompletionStatus, InProgressPercentageIsAnUnclampedFractionOfAPositiveTotal) {
-  EXPECT_DOUBLE_EQ(CompletionStatus::inProgress(2, 5).progressPercentage(), 0.4);
-  EXPECT_DOUBLE_EQ(CompletionStatus::inProgress(5, 4).progressPercentage(), 1.25);
-  EXPECT_DOUBLE_EQ(CompletionStatus::inProgress(4, 4).progressPercentage(), 1.0);
-  EXPECT_DOUBLE_EQ(CompletionStatus::inProgress(1, 1).progressPercentage(), 1.0);
-  EXPECT_DOUBLE_EQ(CompletionStatus::inProgress(Limits::max(), Limits::max()).progressPercentage(), 1.0);
-}
-
-TEST(CompletionStatus, InProgressPercentageIsZeroForTotalsBelowOne) {
-  EXPECT_EQ(CompletionStatus::inProgress(0, 0).progressPercentage(), 0.0);
-  EXPECT_EQ(CompletionStatus::inProgress(3, 0).progressPercentage(), 0.0);
-  EXPECT_EQ(CompletionStatus::inProgress(3, -2).progressPercentage(), 0.0);
-  EXPECT_EQ(CompletionStatus::inProgress(-3, -2).progressPercentage(), 0.0);
-  EXPECT_EQ(CompletionStatus::inProgress(0, Limits::min()).progressPercentage(), 0.0);
+TEST(CompletionStatus, InProgressPercentageIsAnUnclampedFractionOfAPositiveTotalAndZeroOtherwise) {
+  struct Case {
+    std::int64_t completed;
+    std::int64_t total;
+    double percentage;
+  };
+  const Case cases[] = {{2, 5, 0.4}, {5, 4, 1.25}, {4, 4, 1.0},  {1, 1, 1.0},   {Limits::max(), Limits::max(), 1.0},
+                        {0, 0, 0.0}, {3, 0, 0.0},  {3, -2, 0.0}, {-3, -2, 0.0}, {0, Limits::min(), 0.0}};
+  for (const Case& c : cases) {
+    const auto status = CompletionStatus::inProgress(c.completed, c.total);
+    EXPECT_EQ(status.progressPercentage(), c.percentage) << describe(status);
+  }
 }
 
 TEST(CompletionStatus, BlockingAndOptionalStatesCountAsMostlyDoneWhateverTheCount) {
@@ -54,7 +52,6 @@ TEST(CompletionStatus, EqualityComparesCaseAndPayload) {
   EXPECT_NE(CompletionStatus::hasBlockingIssues(1), CompletionStatus::hasBlockingIssues(2));
   EXPECT_NE(CompletionStatus::hasBlockingIssues(1), CompletionStatus::hasOptionalItems(1));
   EXPECT_NE(CompletionStatus::notStarted(), CompletionStatus::readyForSubmission());
-  EXPECT_EQ(CompletionStatus::notStarted(), CompletionStatus::notStarted());
 }
 
 TEST(CompletionStatus, EachCaseAnswersOnlyItsOwnQuery) {

@@ -11,25 +11,25 @@ namespace {
 
 using Result = SubmissionValidationResult;
 
-// The smallest entity a rule can be bound to: a name to judge.
-class NamedEntity final : public SubmissionEntity {
+// The smallest entities a rule can be bound to: nothing to save, one value to judge.
+class StubEntity : public SubmissionEntity {
+ public:
+  bool hasUnsavedChanges() const override { return false; }
+  std::string changeDescription() const override { return {}; }
+  boost::asio::awaitable<void> saveChanges() override { co_return; }
+  void discardChanges() override {}
+};
+
+class NamedEntity final : public StubEntity {
  public:
   explicit NamedEntity(std::string initialName) : name(std::move(initialName)) {}
   std::string entityId() const override { return "named"; }
-  bool hasUnsavedChanges() const override { return false; }
-  std::string changeDescription() const override { return {}; }
-  boost::asio::awaitable<void> saveChanges() override { co_return; }
-  void discardChanges() override {}
   std::string name;
 };
 
-class CountedEntity final : public SubmissionEntity {
+class CountedEntity final : public StubEntity {
  public:
   std::string entityId() const override { return "counted"; }
-  bool hasUnsavedChanges() const override { return false; }
-  std::string changeDescription() const override { return {}; }
-  boost::asio::awaitable<void> saveChanges() override { co_return; }
-  void discardChanges() override {}
   int count = 0;
 };
 

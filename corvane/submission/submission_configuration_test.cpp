@@ -12,7 +12,6 @@ using AutoSubmit = SubmissionConfiguration::AutoSubmitStrategy;
 
 TEST(SubmissionConfiguration, DefaultEnablesEverythingAndDebouncesBy300Milliseconds) {
   const SubmissionConfiguration& configuration = SubmissionConfiguration::default_();
-  EXPECT_EQ(&configuration, &SubmissionConfiguration::default_());
   EXPECT_TRUE(configuration.enableChangeTracking);
   EXPECT_TRUE(configuration.enableValidation);
   EXPECT_TRUE(configuration.enableCompletionGuide);

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -12,15 +13,12 @@ using Severity = SubmissionValidationIssue::Severity;
 
 TEST(SubmissionValidationIssueSeverity, RawValuesAreTheLowerCaseNamesInOrder) {
   const auto all = SubmissionValidationIssue::allSeverities();
-  ASSERT_EQ(all.size(), 3u);
-  EXPECT_EQ(all[0], Severity::error);
-  EXPECT_EQ(all[1], Severity::warning);
-  EXPECT_EQ(all[2], Severity::info);
-  EXPECT_EQ(rawValue(Severity::error), "error");
-  EXPECT_EQ(rawValue(Severity::warning), "warning");
-  EXPECT_EQ(rawValue(Severity::info), "info");
-  for (Severity severity : all)
-    EXPECT_EQ(SubmissionValidationIssue::severityFromRawValue(rawValue(severity)), severity);
+  EXPECT_EQ(all, (std::array{Severity::error, Severity::warning, Severity::info}));
+  const char* const names[] = {"error", "warning", "info"};
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    EXPECT_EQ(rawValue(all[i]), names[i]);
+    EXPECT_EQ(SubmissionValidationIssue::severityFromRawValue(names[i]), all[i]) << names[i];
+  }
 }
 
 TEST(SubmissionValidationIssueSeverity, ParsingIsExactAndCaseSensitive) {

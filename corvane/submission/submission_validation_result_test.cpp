@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cctype>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -26,59 +27,53 @@ bool isUpperCaseUuid(const std::string& text) {
   return true;
 }
 
-TEST(SubmissionValidationResult, ValidIsOneSharedPassingResultWithAFixedTimestamp) {
-  const SubmissionValidationResult& first = SubmissionValidationResult::valid();
+TEST(SubmissionValidationResult, ValidIsAPassingResultStampedOnceAtFirstUse) {
+  const SubmissionValidationResult first = SubmissionValidationResult::valid();
   const auto after = Clock::now();
-  const SubmissionValidationResult& second = SubmissionValidationResult::valid();
-  EXPECT_EQ(&first, &second);
-  EXPECT_EQ(first.validatedAt, second.validatedAt);
-  EXPECT_LE(first.validatedAt, after);
   EXPECT_TRUE(first.isValid);
   EXPECT_TRUE(first.issues.empty());
-  // A copy keeps the stamp: it is the moment of first use, not of the read.
-  const SubmissionValidationResult copy = SubmissionValidationResult::valid();
-  EXPECT_EQ(copy.validatedAt, first.validatedAt);
+  EXPECT_LE(first.validatedAt, after);
+  // Let the clock tick past the first read, so that a stamp renewed on each read shows.
+  while (Clock::now() <= after) {
+  }
+  EXPECT_EQ(SubmissionValidationResult::valid().validatedAt, first.validatedAt);
 }
 
-TEST(SubmissionValidationResult, InvalidHoldsOneErrorIssue) {
+TEST(SubmissionValidationResult, FactoriesHoldOneFreshlyStampedIssue) {
+  using Issues = std::vector<SubmissionValidationIssue>;
+  struct Case {
+    SubmissionValidationResult result;
+    bool isValid;
+    Severity severity;
+    std::string title;
+    std::optional<std::string> entityId;
+  };
   const auto before = Clock::now();
-  const auto result = SubmissionValidationResult::invalid("x", "e");
+  const Case cases[] = {
+      {SubmissionValidationResult::invalid("x", "e"), false, Severity::error, "Validation Error", "e"},
+      {SubmissionValidationResult::invalid("x"), false, Severity::error, "Validation Error", std::nullopt},
+      {SubmissionValidationResult::warning("x"), true, Severity::warning, "Validation Warning", std::nullopt},
+      {SubmissionValidationResult::warning("x", "e"), true, Severity::warning, "Validation Warning", "e"},
+  };
   const auto after = Clock::now();
-  EXPECT_FALSE(result.isValid);
-  ASSERT_EQ(result.issues.size(), 1u);
-  const SubmissionValidationIssue& issue = result.issues[0];
-  EXPECT_TRUE(isUpperCaseUuid(issue.id)) << issue.id;
-  EXPECT_EQ(issue.severity, Severity::error);
-  EXPECT_EQ(issue.title, "Validation Error");
-  EXPECT_EQ(issue.description, "x");
-  EXPECT_EQ(issue.entityId, "e");
-  EXPECT_FALSE(issue.propertyKey);
-  EXPECT_FALSE(issue.suggestedAction);
-  EXPECT_EQ(result.errors(), result.issues);
-  EXPECT_TRUE(result.warnings().empty());
-  EXPECT_GE(result.validatedAt, before);
-  EXPECT_LE(result.validatedAt, after);
-  EXPECT_FALSE(SubmissionValidationResult::invalid("x").issues[0].entityId);
-}
-
-TEST(SubmissionValidationResult, WarningPassesWithOneWarningIssue) {
-  const auto before = Clock::now();
-  const auto result = SubmissionValidationResult::warning("x");
-  const auto after = Clock::now();
-  EXPECT_TRUE(result.isValid);
-  EXPECT_TRUE(result.errors().empty());
-  ASSERT_EQ(result.warnings().size(), 1u);
-  const SubmissionValidationIssue issue = result.warnings()[0];
-  EXPECT_TRUE(isUpperCaseUuid(issue.id)) << issue.id;
-  EXPECT_EQ(issue.severity, Severity::warning);
-  EXPECT_EQ(issue.title, "Validation Warning");
-  EXPECT_EQ(issue.description, "x");
-  EXPECT_FALSE(issue.entityId);
-  EXPECT_FALSE(issue.propertyKey);
-  EXPECT_FALSE(issue.suggestedAction);
-  EXPECT_GE(result.validatedAt, before);
-  EXPECT_LE(result.validatedAt, after);
-  EXPECT_EQ(SubmissionValidationResult::warning("x", "e").issues[0].entityId, "e");
+  for (const Case& c : cases) {
+    const SubmissionValidationResult& result = c.result;
+    const std::string context = c.title + " for " + c.entityId.value_or("no entity");
+    EXPECT_EQ(result.isValid, c.isValid) << context;
+    ASSERT_EQ(result.issues.size(), 1u) << context;
+    const SubmissionValidationIssue& issue = result.issues[0];
+    EXPECT_TRUE(isUpperCaseUuid(issue.id)) << context << ": " << issue.id;
+    EXPECT_EQ(issue.severity, c.severity) << context;
+    EXPECT_EQ(issue.title, c.title) << context;
+    EXPECT_EQ(issue.description, "x") << context;
+    EXPECT_EQ(issue.entityId, c.entityId) << context;
+    EXPECT_FALSE(issue.propertyKey) << context;
+    EXPECT_FALSE(issue.suggestedAction) << context;
+    EXPECT_EQ(result.errors(), c.isValid ? Issues{} : result.issues) << context;
+    EXPECT_EQ(result.warnings(), c.isValid ? result.issues : Issues{}) << context;
+    EXPECT_GE(result.validatedAt, before) << context;
+    EXPECT_LE(result.validatedAt, after) << context;
+  }
 }
 
 TEST(SubmissionValidationResult, FactoryIdsAreDistinct) {

@@ -29,7 +29,6 @@ TEST(SubmissionValidationState, EqualityComparesCaseAndIssues) {
   EXPECT_EQ(State::invalid({issue(Severity::error, "a")}), State::invalid({issue(Severity::error, "a")}));
   EXPECT_NE(State::invalid({issue(Severity::error, "a")}), State::invalid({issue(Severity::error, "b")}));
   EXPECT_NE(State::invalid({issue(Severity::error, "a")}), State::invalid({}));
-  EXPECT_NE(State::invalid({}), State::valid());
   const std::vector<State> states{State::invalid({}), State::valid(), State::validating(), State::unknown()};
   for (std::size_t i = 0; i < states.size(); ++i) {
     for (std::size_t j = 0; j < states.size(); ++j) EXPECT_EQ(states[i] == states[j], i == j) << i << " vs " << j;
