@@ -35,15 +35,28 @@ class ObservationRegistrar {
 
   /// Announces a write of `key` around `mutation` (will-set, mutation, did-set) and returns
   /// what `mutation` returns. The did-set announcement is made even when `mutation` throws.
+  /// An exception from an observer reaches the writer, after the write.
   template <class Mutation>
   decltype(auto) withMutation(std::string_view key, Mutation&& mutation) {
     willSet(key);
-    struct DidSet {
-      ObservationRegistrar* registrar;
-      std::string_view key;
-      ~DidSet() { registrar->didSet(key); }
-    } didSet{this, key};
-    return std::forward<Mutation>(mutation)();
+    // Did-set is announced outside any destructor: an observer that throws from a
+    // destructor would end the process.
+    auto mutate = [&]() -> decltype(auto) {
+      try {
+        return std::forward<Mutation>(mutation)();
+      } catch (...) {
+        didSet(key);
+        throw;
+      }
+    };
+    if constexpr (std::is_void_v<decltype(mutate())>) {
+      mutate();
+      didSet(key);
+    } else {
+      decltype(auto) result = mutate();
+      didSet(key);
+      return result;
+    }
   }
 
   /// Calls `callback` after every announced write of `key` (on the writing thread) until

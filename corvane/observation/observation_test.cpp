@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -207,6 +208,17 @@ TEST(ObservationRegistrarMutation, ReturnsTheMutationsResultAndAnnouncesAThrowin
   EXPECT_EQ(registrar.withMutation("k", [] { return 42; }), 42);
   EXPECT_THROW(registrar.withMutation("k", []() -> int { throw std::logic_error("no"); }), std::logic_error);
   EXPECT_EQ(didSet, 2);
+}
+
+TEST(ObservationRegistrarMutation, AnObserverThatThrowsReachesTheWriterAfterTheWrite) {
+  Box box;
+  auto connection = box.observationRegistrar().observe("width", [&] {
+    if (box.width() == 7) throw std::runtime_error("observer refused 7");
+  });
+  EXPECT_THROW(box.setWidth(7), std::runtime_error);
+  EXPECT_EQ(box.width(), 7);
+  box.setWidth(8);  // the registrar is still usable
+  EXPECT_EQ(box.width(), 8);
 }
 
 }  // namespace

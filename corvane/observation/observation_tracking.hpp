@@ -46,6 +46,7 @@ class AccessRecorder {
 /// thread, before the first announced write to any of those properties (also when the
 /// written value equals the old one). Reads made after `apply` returns are not tracked; to
 /// keep observing, call `withObservationTracking` again from `onChange`'s follow-up work.
+/// An object read by `apply` must not be destroyed on another thread before `apply` returns.
 template <class Apply>
 std::invoke_result_t<Apply&> withObservationTracking(Apply&& apply, std::function<void()> onChange) {
   detail::AccessRecorder recorder;

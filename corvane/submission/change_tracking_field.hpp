@@ -77,16 +77,19 @@ class ChangeTrackingField final : public Observable {
     auto& registrar = observationRegistrar();
     registrar.willSet(key);
     registrar.willSet(kHasUnsavedChanges);
-    struct DidSet {
-      ObservationRegistrar& registrar;
-      std::string_view key;
-      ~DidSet() {
-        registrar.didSet(key);
-        registrar.didSet(kHasUnsavedChanges);
-      }
-    } didSet{registrar, key};
-    write();
-    hasUnsavedChanges_ = !(value_ == savedValue_);
+    // Announced outside any destructor, so that an observer may throw (see withMutation).
+    const auto didSet = [&] {
+      registrar.didSet(key);
+      registrar.didSet(kHasUnsavedChanges);
+    };
+    try {
+      write();
+      hasUnsavedChanges_ = !(value_ == savedValue_);
+    } catch (...) {
+      didSet();
+      throw;
+    }
+    didSet();
   }
 
   T value_;

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -83,6 +84,13 @@ TEST_F(ChangeTrackingFieldTest, AnnouncesTheKeysEachOperationWrites) {
   announced.clear();
   field.discardChanges();
   EXPECT_EQ(announced, (std::vector<std::string>{"value", "hasUnsavedChanges", "hasUnsavedChanges"}));
+}
+
+TEST_F(ChangeTrackingFieldTest, AnObserverThatThrowsReachesTheWriterAfterTheWrite) {
+  auto connection = field.observe("value", [] { throw std::runtime_error("observer failed"); });
+  EXPECT_THROW(field.setValue("b"), std::runtime_error);
+  EXPECT_EQ(field.value(), "b");
+  EXPECT_TRUE(field.hasUnsavedChanges());
 }
 
 TEST_F(ChangeTrackingFieldTest, ReadsAreTrackedForObservers) {
