@@ -7,3 +7,5 @@ find_package(Threads REQUIRED)
 # utf8proc ships a pkg-config file only.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(UTF8PROC REQUIRED IMPORTED_TARGET libutf8proc)
+# toml++ reads the checker's configuration and the stores' data files (compiled library).
+find_package(tomlplusplus 3 REQUIRED CONFIG)

@@ -1,0 +1,26 @@
+#include "corvane/store/rule_level.hpp"
+
+namespace corvane::store {
+
+std::string_view levelName(RuleLevel level) noexcept {
+  switch (level) {
+    case RuleLevel::blocker:
+      return "blocker";
+    case RuleLevel::rejectionRisk:
+      return "rejection-risk";
+    case RuleLevel::optimization:
+      return "optimization";
+    case RuleLevel::opportunity:
+      return "opportunity";
+  }
+  return {};
+}
+
+std::optional<RuleLevel> parseRuleLevel(std::string_view name) noexcept {
+  for (const auto level : kRuleLevels) {
+    if (levelName(level) == name) return level;
+  }
+  return std::nullopt;
+}
+
+}  // namespace corvane::store
