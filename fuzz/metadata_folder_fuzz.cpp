@@ -1,16 +1,18 @@
 // The checker's folder reader (and the checks behind it) on arbitrary folders. The input
 // is laid out as files of one locale folder in a private temporary folder:
 //
-//   byte 0-1   which of the ten files exist (bit i: the i-th locale file, bit 9: the review
-//              address in review_information/email_address.txt)
+//   byte 0-1   which of the eleven files exist (bit i: the i-th locale file, bit 10: the
+//              review address in review_information/email_address.txt)
 //   then       the locale folder's name, up to the first NUL byte
 //   then       the contents of each existing file in turn, separated by NUL bytes
 //
 // The reader must either return exactly what was written (less trailing line breaks) or
 // refuse the folder with an InputError for a documented reason.
 #include "checker.hpp"
-#include "input_error.hpp"
-#include "metadata_folder.hpp"
+
+#include "corvane/store/input_error.hpp"
+#include "corvane/store/listing_folder.hpp"
+#include "corvane/store/store_facts.hpp"
 
 #include "corvane/support/print_line.hpp"
 #include "corvane/text/characters.hpp"
@@ -29,6 +31,7 @@
 
 namespace fs = std::filesystem;
 using namespace corvane::cli;
+using namespace corvane::store;
 
 namespace {
 
@@ -89,41 +92,47 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t i = 0; i < kFiles; ++i) {
     if ((mask & (1u << i)) == 0) continue;
     written[i] = std::string(takePart(input));
-    const fs::path path = i < kLocaleFields.size() ? root / localeName / fileName(kLocaleFields[i])
+    const fs::path path = i < kLocaleFields.size() ? root / localeName / fieldFile(kLocaleFields[i])
                                                    : root / "review_information" / "email_address.txt";
     writeFile(path, *written[i]);
     anyLocaleFile = anyLocaleFile || i < kLocaleFields.size();
     allValid = allValid && !corvane::firstInvalidUtf8Offset(*written[i]);
   }
 
-  const bool isLocale = isLocaleFolderName(localeName);
+  const bool isLocale = StoreFacts::appStore().isLocale(localeName);
   try {
-    const MetadataFolder folder = readMetadataFolder(root);
+    const ListingFolder folder = readListingFolder(root, StoreFacts::appStore());
     FUZZ_CHECK(isLocale && anyLocaleFile && allValid);
     FUZZ_CHECK(folder.locales.size() == 1 && folder.locales[0].locale == localeName);
     std::uintmax_t bytes = 0;
     for (std::size_t i = 0; i < kLocaleFields.size(); ++i) {
-      const auto& text = folder.locales[0].texts[i];
+      const auto& text = folder.locales[0].texts[i].text;
+      const auto& frame = folder.locales[0].texts[i].frame;
       FUZZ_CHECK(text.has_value() == written[i].has_value());
       if (!text) continue;
       bytes += written[i]->size();
       // The text and its frame give back the file byte for byte, and the frame holds no text.
-      FUZZ_CHECK(folder.locales[0].frames[i].around(*text) == *written[i]);
+      FUZZ_CHECK(frame.around(*text) == *written[i]);
       FUZZ_CHECK(!text->ends_with('\n') && !text->ends_with('\r'));
-      FUZZ_CHECK(folder.locales[0].frames[i].byteOrderMark == written[i]->starts_with(kByteOrderMark));
+      FUZZ_CHECK(frame.byteOrderMark == written[i]->starts_with(kByteOrderMark));
     }
     const auto& email = written[kLocaleFields.size()];
-    FUZZ_CHECK(folder.reviewEmail.has_value() == email.has_value());
+    const auto& review = folder.sharedText(ListingField::reviewEmail).text;
+    FUZZ_CHECK(review.has_value() == email.has_value());
     if (email) {
       bytes += email->size();
       std::string expected = *email;
       (void)unframe(expected);
-      FUZZ_CHECK(*folder.reviewEmail == expected);
+      FUZZ_CHECK(*review == expected);
     }
     FUZZ_CHECK(folder.bytesRead == bytes);
 
     // The checks on what was read, and the fixes they offer, applied as a dry run.
-    Checker checker(CheckOptions{.directory = root, .appVersion = std::nullopt, .fix = true, .dryRun = true});
+    CheckOptions options;
+    options.directory = root;
+    options.fix = true;
+    options.dryRun = true;
+    Checker checker(options);
     checker.applyFixes(checker.plannedFixes());
     const CheckReport report = checker.report();
     FUZZ_CHECK(report.locales.size() == 1);

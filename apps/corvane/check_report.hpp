@@ -1,10 +1,9 @@
 #pragma once
 
-#include "finding.hpp"
-#include "fix_change.hpp"
-
 #include "corvane/completion/completion_item.hpp"
 #include "corvane/completion/completion_progress.hpp"
+#include "corvane/store/listing_finding.hpp"
+#include "corvane/store/store_listing.hpp"
 
 #include <cstdint>
 #include <filesystem>
@@ -14,13 +13,19 @@
 
 namespace corvane::cli {
 
-/// What the checker found in one locale.
+/// The four groups a report sorts findings into, most urgent first: the rule levels.
+using store::RuleLevel;
+
+/// The group's name in JSON: "blockers", "rejectionRisks", "optimizations" or "opportunities".
+std::string_view categoryKey(RuleLevel level) noexcept;
+
+/// What the checker found in one locale, or in the shared files.
 struct LocaleReport {
-  /// The locale's name.
+  /// The locale's code, or "shared".
   std::string locale;
-  /// Its verdicts, blockers first, then by file.
-  std::vector<Finding> findings;
-  /// Its checklist, one item per file.
+  /// Its findings, most urgent level first, then by field.
+  std::vector<store::ListingFinding> findings;
+  /// Its checklist, one item per field worth one.
   std::vector<CompletionItem> checklist;
 };
 
@@ -30,24 +35,27 @@ struct CheckReport {
   std::filesystem::path directory;
   /// Every locale, in name order.
   std::vector<LocaleReport> locales;
+  /// The shared files and the folder itself (unknown locale folders).
+  LocaleReport shared;
   /// The auto-fixes applied (or, on a dry run, that would be).
-  std::vector<FixChange> fixes;
+  std::vector<store::ListingEdit> fixes;
   /// Whether the fixes were written to disk.
   bool fixesWritten = false;
-  /// The completion guide's counts over every locale's checklist.
+  /// The completion guide's counts over every checklist.
   CompletionProgress progress{};
-  /// The completion guide's status, as the library describes it ("hasBlockingIssues(count: 1)").
-  std::string completionStatus;
   /// Whether the completion guide would let the submission complete.
   bool canComplete = false;
   /// The most important item still open, if any.
   std::optional<CompletionItem> nextAction;
 
-  /// The number of findings of `category` over all locales; a finding on shared data that
-  /// every locale lists (the review address, the version) counts once.
-  std::int64_t count(FindingCategory category) const;
+  /// The number of findings at `level`; a finding on a file that several locales share
+  /// (a `default/` text) counts once.
+  std::int64_t count(RuleLevel level) const;
   /// Whether anything blocks submission; the exit status is 1 exactly then.
-  bool blocked() const { return count(FindingCategory::blocker) > 0; }
+  bool blocked() const { return count(RuleLevel::blocker) > 0; }
 };
+
+/// The completion status in words: "Ready to submit", "3 items to finish", "Blocked by 2 items".
+std::string completionSummary(const CheckReport& report);
 
 }  // namespace corvane::cli

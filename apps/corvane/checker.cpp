@@ -1,74 +1,63 @@
 #include "checker.hpp"
 
-#include "input_error.hpp"
 #include "metadata_submission.hpp"
-#include "staged_file.hpp"
 
 #include "corvane/completion/aggregate_completion_guide.hpp"
+#include "corvane/store/rule_catalog.hpp"
+#include "corvane/store/store_facts.hpp"
 
 #include <algorithm>
+#include <chrono>
 
 namespace corvane::cli {
+namespace fs = std::filesystem;
 
-Checker::Checker(CheckOptions options) : options_(std::move(options)), folder_(readMetadataFolder(options_.directory)) {
-  for (auto& locale : folder_.locales) {
-    locales_.push_back(std::make_unique<LocaleCheck>(std::move(locale), folder_.reviewEmail, options_.appVersion));
+store::ListingConfiguration loadConfiguration(const CheckOptions& options) {
+  auto file = options.configFile;
+  std::error_code error;
+  if (!file && fs::is_regular_file(options.directory / ".corvane.toml", error)) {
+    file = options.directory / ".corvane.toml";
   }
-}
-
-std::vector<FixChange> Checker::plannedFixes() const {
-  std::vector<FixChange> fixes;
-  for (const auto& locale : locales_) {
-    auto planned = locale->plannedFixes();
-    fixes.insert(fixes.end(), planned.begin(), planned.end());
-  }
-  return fixes;
+  if (!file) return {};
+  const auto& facts = store::StoreFacts::appStore();
+  const auto catalog = store::ruleCatalog(facts);
+  std::vector<std::string_view> rules;
+  for (const auto& rule : catalog) rules.push_back(rule.id);
+  return store::readListingConfiguration(*file, rules, facts.locales());
 }
 
 namespace {
 
-// The files `fixes` write, by their resolved paths: a link inside the folder updates its
-// target rather than being replaced. Fields that share one file through links must agree
-// on its new contents, or whichever was written last would undo the others.
-std::vector<std::pair<std::filesystem::path, std::string>> replacementsFor(
-    const std::vector<FixChange>& fixes, const std::vector<std::unique_ptr<LocaleCheck>>& locales) {
-  std::vector<std::pair<std::filesystem::path, std::string>> replacements;
-  std::vector<const FixChange*> writers;
-  for (const auto& change : fixes) {
-    const auto& locale = **std::ranges::find_if(locales, [&](const auto& l) { return l->locale() == change.locale; });
-    const auto& frame = locale.metadata().frames[static_cast<std::size_t>(change.field)];
-    auto target = std::filesystem::canonical(change.path);
-    auto contents = frame.around(change.after);
-    const auto same = std::ranges::find(replacements, target, &std::pair<std::filesystem::path, std::string>::first);
-    if (same == replacements.end()) {
-      replacements.emplace_back(std::move(target), std::move(contents));
-      writers.push_back(&change);
-    } else if (same->second != contents) {
-      const auto& other = *writers[static_cast<std::size_t>(same - replacements.begin())];
-      throw InputError(change.path.string() + " and " + other.path.string() + " are the same file (" +
-                       target.string() + ") and need different fixes; trim it by hand or stop sharing it");
-    }
-  }
-  return replacements;
+int thisYear() {
+  const auto today = std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
+  return static_cast<int>(today.year());
 }
 
 }  // namespace
 
-void Checker::applyFixes(const std::vector<FixChange>& fixes) {
-  // Checked before anything changes, so that a dry run foresees the refusal too.
-  const auto replacements = replacementsFor(fixes, locales_);
-  for (const auto& change : fixes) {
-    for (auto& locale : locales_) {
-      if (locale->locale() == change.locale) locale->apply(change);
-    }
-  }
+Checker::Checker(CheckOptions options) : options_(std::move(options)) {
+  auto configuration = loadConfiguration(options_);
+  const store::RuleContext context{.firstVersion = options_.firstVersion,
+                                   .currentYear = options_.currentYear.value_or(thisYear())};
+  listing_ = std::make_unique<store::StoreListing>(options_.directory, store::StoreFacts::appStore(),
+                                                   std::move(configuration), context);
+}
+
+void Checker::applyFixes(const std::vector<store::ListingEdit>& fixes) {
+  for (const auto& edit : fixes) listing_->apply(edit);
   appliedFixes_ = fixes;
+  try {
+    // Checked before anything is written, so that a dry run foresees a refusal too.
+    (void)listing_->pendingWrites();
+    if (!options_.dryRun) listing_->writeChanges();
+  } catch (...) {
+    listing_->discardChanges();
+    throw;
+  }
   if (options_.dryRun) {
-    for (auto& locale : locales_) locale->discard();
+    listing_->discardChanges();
     return;
   }
-  replaceFiles(replacements);
-  for (auto& locale : locales_) locale->markSaved();
   fixesWritten_ = !fixes.empty();
 }
 
@@ -78,20 +67,22 @@ CheckReport Checker::report() const {
   report.fixes = appliedFixes_;
   report.fixesWritten = fixesWritten_;
   std::vector<CompletionItem> checklist;
-  std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers;
-  for (const auto& locale : locales_) {
-    auto findings = locale->findings();
-    auto items = locale->checklistItems(findings);
+  auto fileReport = [&](const store::ListingEntity& entity, std::string name) {
+    auto findings = entity.findings();
+    auto items = listing_->checklist(entity, findings);
     checklist.insert(checklist.end(), items.begin(), items.end());
-    trackers.push_back(locale->tracker());
-    LocaleReport entry{.locale = locale->locale(), .findings = std::move(findings), .checklist = std::move(items)};
-    std::ranges::stable_sort(entry.findings, {}, &Finding::category);
-    report.locales.push_back(std::move(entry));
-  }
+    if (&entity == &listing_->shared()) {
+      const auto& folderFindings = listing_->folderFindings();
+      findings.insert(findings.begin(), folderFindings.begin(), folderFindings.end());
+    }
+    std::ranges::stable_sort(findings, {}, &store::ListingFinding::level);
+    return LocaleReport{.locale = std::move(name), .findings = std::move(findings), .checklist = std::move(items)};
+  };
+  for (const auto& locale : listing_->locales()) report.locales.push_back(fileReport(*locale, locale->scope()));
+  report.shared = fileReport(listing_->shared(), "shared");
   auto guide = AggregateCompletionGuide::create();
-  guide->add(std::move(checklist), MetadataSubmission(options_.directory.string(), std::move(trackers)));
+  guide->add(std::move(checklist), MetadataSubmission(options_.directory.string(), {listing_->tracker()}));
   report.progress = guide->completionProgress();
-  report.completionStatus = describe(guide->completionStatus());
   report.canComplete = guide->canComplete();
   report.nextAction = guide->nextActionItem();
   return report;

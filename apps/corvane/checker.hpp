@@ -1,13 +1,13 @@
 #pragma once
 
 #include "check_report.hpp"
-#include "locale_check.hpp"
-#include "metadata_folder.hpp"
+
+#include "corvane/store/listing_configuration.hpp"
+#include "corvane/store/store_listing.hpp"
 
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <string>
 #include <vector>
 
 namespace corvane::cli {
@@ -16,37 +16,42 @@ namespace corvane::cli {
 struct CheckOptions {
   /// The metadata folder.
   std::filesystem::path directory;
-  /// The version to check, when the folder does not give it.
-  std::optional<std::string> appVersion;
-  /// Whether to apply the verdicts' auto-fixes.
+  /// The configuration file; without one, `.corvane.toml` in the folder when there is one.
+  std::optional<std::filesystem::path> configFile;
+  /// Whether this is the app's first version (release notes are then not required).
+  bool firstVersion = false;
+  /// Whether to apply the auto-fixes.
   bool fix = false;
   /// With `fix`: report the fixes but write nothing.
   bool dryRun = false;
+  /// The current year for the copyright rules; the system clock's when not given.
+  std::optional<int> currentYear;
 };
 
-/// One run of the checker over a metadata folder: reads it, loads every locale into the
-/// library, applies auto-fixes on request and builds the report.
+/// The configuration `options` name: the given file, else the folder's `.corvane.toml`,
+/// else the defaults. Throws `store::ConfigurationError`.
+store::ListingConfiguration loadConfiguration(const CheckOptions& options);
+
+/// One run of the checker over a metadata folder: reads it into a `store::StoreListing`,
+/// applies auto-fixes on request and builds the report.
 class Checker {
  public:
-  /// Reads the folder and loads every locale; throws `InputError` on bad input, before
-  /// anything could be written.
+  /// Reads the configuration and the folder; throws `store::InputError` or
+  /// `store::ConfigurationError` on bad input, before anything could be written.
   explicit Checker(CheckOptions options);
   Checker(const Checker&) = delete;
   Checker& operator=(const Checker&) = delete;
 
-  /// The folder as read; its locales' texts have moved into the checks.
-  const MetadataFolder& folder() const { return folder_; }
+  /// The listing as loaded, with any fixes applied.
+  const store::StoreListing& listing() const { return *listing_; }
 
-  /// The auto-fixes the current verdicts offer, over all locales.
-  std::vector<FixChange> plannedFixes() const;
+  /// The auto-fixes the current findings offer.
+  std::vector<store::ListingEdit> plannedFixes() const { return listing_->plannedFixes(); }
 
-  /// Applies `fixes` as edits and, unless this is a dry run, writes the changed files and
-  /// marks the edits saved; a dry run discards them again, so the report describes the
-  /// files as they are. Every new file is written beside its old one before any replaces
-  /// it, so when one cannot be written (`InputError`), no file has changed. Fixes of fields
-  /// that share one file through links must agree on its contents, or nothing is applied
-  /// (`InputError`), in a dry run too.
-  void applyFixes(const std::vector<FixChange>& fixes);
+  /// Applies `fixes` as edits and, unless this is a dry run, writes the changed files; a dry
+  /// run discards them again, so the report describes the files as they are. Nothing is
+  /// written when any file cannot be (`store::InputError`), in a dry run the same checks run.
+  void applyFixes(const std::vector<store::ListingEdit>& fixes);
 
   /// The report on the current state, with the checklist filed in an
   /// `AggregateCompletionGuide`.
@@ -54,9 +59,8 @@ class Checker {
 
  private:
   CheckOptions options_;
-  MetadataFolder folder_;
-  std::vector<std::unique_ptr<LocaleCheck>> locales_;
-  std::vector<FixChange> appliedFixes_;
+  std::unique_ptr<store::StoreListing> listing_;
+  std::vector<store::ListingEdit> appliedFixes_;
   bool fixesWritten_ = false;
 };
 

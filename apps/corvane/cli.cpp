@@ -1,8 +1,13 @@
 #include "cli.hpp"
 
 #include "checker.hpp"
-#include "input_error.hpp"
+#include "json_writer.hpp"
 #include "report_writers.hpp"
+
+#include "corvane/store/input_error.hpp"
+#include "corvane/store/listing_configuration.hpp"
+#include "corvane/store/rule_catalog.hpp"
+#include "corvane/store/store_facts.hpp"
 
 #include "corvane/resources/corvane_resources.hpp"
 #include "corvane/support/print_line.hpp"
@@ -49,8 +54,10 @@ Invocation parseCheck(std::span<const std::string> arguments) {
       } else {
         throw UsageError("--format must be text or json, not '" + format + "'");
       }
-    } else if (argument == "--app-version" || argument.starts_with("--app-version=")) {
-      invocation.options.appVersion = valueOf("--app-version");
+    } else if (argument == "--config" || argument.starts_with("--config=")) {
+      invocation.options.configFile = valueOf("--config");
+    } else if (argument == "--first-version") {
+      invocation.options.firstVersion = true;
     } else if (argument == "--fix") {
       invocation.options.fix = true;
     } else if (argument == "--dry-run") {
@@ -84,6 +91,47 @@ class QuietLibrary {
   LineOutput previous_;
 };
 
+// `corvane rules`: every rule with its level, what it checks and why the store cares.
+int listRules(std::span<const std::string> arguments, std::ostream& out) {
+  Format format = Format::text;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    std::string value;
+    if (argument.starts_with("--format=")) {
+      value = argument.substr(9);
+    } else if (argument == "--format" && i + 1 < arguments.size()) {
+      value = arguments[++i];
+    } else {
+      throw UsageError("'corvane rules' takes only --format text|json, not '" + argument + "'");
+    }
+    if (value != "text" && value != "json") throw UsageError("--format must be text or json, not '" + value + "'");
+    format = value == "json" ? Format::json : Format::text;
+  }
+  const auto catalog = store::ruleCatalog(store::StoreFacts::appStore());
+  if (format == Format::json) {
+    JsonWriter json(out);
+    json.beginObject();
+    json.key("rules");
+    json.beginArray();
+    for (const auto& rule : catalog) {
+      json.beginObject();
+      json.member("id", rule.id);
+      json.member("defaultLevel", store::levelName(rule.defaultLevel));
+      json.member("checks", rule.summary);
+      json.member("why", rule.reason);
+      json.endObject();
+    }
+    json.endArray();
+    json.endObject();
+    return exitReady;
+  }
+  for (const auto& rule : catalog) {
+    out << rule.id << " (" << store::levelName(rule.defaultLevel) << ")\n    " << rule.summary << "\n    "
+        << rule.reason << '\n';
+  }
+  return exitReady;
+}
+
 int check(const Invocation& invocation, std::ostream& out, bool colour) {
   QuietLibrary quiet;
   Checker checker(invocation.options);
@@ -106,20 +154,26 @@ int check(const Invocation& invocation, std::ostream& out, bool colour) {
   return report.blocked() ? exitBlocked : exitReady;
 }
 
+constexpr std::string_view kUsage =
+    "usage: corvane check [DIR] [--format text|json] [--config FILE] [--first-version] [--fix] [--dry-run]\n";
+
 }  // namespace
 
 std::string usageText() {
-  return "usage: corvane check [DIR] [--format text|json] [--app-version X.Y.Z] [--fix] [--dry-run]\n"
+  return std::string(kUsage) +
+         "       corvane rules [--format text|json]\n"
          "       corvane --help | --version\n"
          "\n"
-         "Checks an app's store metadata folder (one folder per locale, such as en-US, holding\n"
-         "name.txt, subtitle.txt, description.txt, keywords.txt, support_url.txt, marketing_url.txt,\n"
-         "privacy_url.txt, promotional_text.txt and release_notes.txt) and reports blockers,\n"
-         "rejection risks, optimizations and opportunities. Without DIR, checks the bundled sample.\n"
+         "Checks an app's App Store metadata folder (one folder per locale, such as en-US, with\n"
+         "name.txt, subtitle.txt, description.txt, keywords.txt, ...; default/ for texts every\n"
+         "locale shares; copyright.txt, the category files and review_information/ at the top)\n"
+         "against the store's rules and reports blockers, rejection risks, optimizations and\n"
+         "opportunities. Without DIR, checks the bundled sample. 'corvane rules' lists the rules.\n"
          "\n"
          "  --format text|json   report format (default text)\n"
-         "  --app-version X.Y.Z  the version to check as well\n"
-         "  --fix                apply automatic fixes (trim over-long texts) and write the files\n"
+         "  --config FILE        rule levels and words (default: DIR/.corvane.toml when present)\n"
+         "  --first-version      this is the app's first version: release notes are not required\n"
+         "  --fix                apply automatic fixes (trims, keyword tidying) and write the files\n"
          "  --dry-run            show the automatic fixes without writing anything\n"
          "\n"
          "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error.\n";
@@ -137,6 +191,7 @@ int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostre
       out << "corvane " << CorvaneVersionString << '\n';
       return exitReady;
     }
+    if (command == "rules") return listRules(arguments.subspan(1), out);
     if (command != "check") throw UsageError("unknown command '" + command + "'");
     const auto rest = arguments.subspan(1);
     for (const auto& argument : rest) {
@@ -148,10 +203,12 @@ int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostre
     const Invocation invocation = parseCheck(rest);
     return check(invocation, out, terminal.isTerminal && !terminal.noColor);
   } catch (const UsageError& error) {
-    err << "corvane: " << error.what() << "\n"
-        << "usage: corvane check [DIR] [--format text|json] [--app-version X.Y.Z] [--fix] [--dry-run]\n";
+    err << "corvane: " << error.what() << "\n" << kUsage;
     return exitUsageOrInput;
-  } catch (const InputError& error) {
+  } catch (const store::ConfigurationError& error) {
+    err << "corvane: " << error.what() << '\n';
+    return exitUsageOrInput;
+  } catch (const store::InputError& error) {
     err << "corvane: " << error.what() << '\n';
     return exitUsageOrInput;
   } catch (const std::filesystem::filesystem_error& error) {

@@ -72,7 +72,8 @@ TEST(CliTest, UsageErrorsExitWithStatus2) {
                                                                      {"check", "--colour"},
                                                                      {"check", "a", "b"},
                                                                      // a forgotten value must not swallow an option
-                                                                     {"check", "a", "--app-version", "--fix"},
+                                                                     {"check", "a", "--config", "--fix"},
+                                                                     {"rules", "--fix"},
                                                                      // the bundled sample is never rewritten
                                                                      {"check", "--fix"}}) {
     const auto result = run(arguments);
@@ -105,7 +106,7 @@ TEST(CliTest, DryRunPrintsTheFixesAndWritesNothing) {
   const auto before = snapshot(temporary.path());
   const auto result = run({"check", sample.string(), "--dry-run"});
   EXPECT_EQ(result.status, exitBlocked);
-  EXPECT_THAT(result.out, HasSubstr("would fix: de-DE/name.txt: Auto-trim to 30, 49 -> 30 characters\n"
+  EXPECT_THAT(result.out, HasSubstr("would fix: de-DE/name.txt: Trim to 30 characters, 49 -> 30 characters\n"
                                     "  - Corvane Notizen – Notizen, die sich selbst prüfen\n"
                                     "  + Corvane Notizen – Notizen, die\n"));
   EXPECT_THAT(result.out, HasSubstr("Decision: blocked"));
@@ -150,7 +151,7 @@ TEST(CliTest, FixKeepsByteOrderMarkAndLineBreaksAsWritten) {
   // The mark and the line breaks are not counted: 31 letters need exactly one trimmed.
   testing::writeFile(root / "en-US" / "name.txt", "\xEF\xBB\xBF" + std::string(31, 'n') + "\r\n\r\n");
   const auto result = run({"check", root.string(), "--fix"});
-  EXPECT_THAT(result.out, HasSubstr("fix: en-US/name.txt: Auto-trim to 30, 31 -> 30 characters"));
+  EXPECT_THAT(result.out, HasSubstr("fix: en-US/name.txt: Trim to 30 characters, 31 -> 30 characters"));
   EXPECT_EQ(testing::readFile(root / "en-US" / "name.txt"), "\xEF\xBB\xBF" + std::string(30, 'n') + "\r\n\r\n");
 }
 
@@ -182,26 +183,43 @@ TEST(CliTest, ReportsStayCleanWhateverTheFilesAndFolderNamesHold) {
   EXPECT_THAT(text.out, HasSubstr("- Escape \\x1B[2J"));
 }
 
-TEST(CliTest, SharedDataCountsOnceInTheDecisionThoughEveryLocaleListsIt) {
+TEST(CliTest, ADefaultTextCountsOnceThoughEveryLocaleListsIt) {
   TemporaryFolder temporary;
   const auto root = temporary.path();
-  for (const auto* locale : {"de-DE", "en-US", "fr-FR"}) {
-    testing::writeFile(root / locale / "name.txt", "Corvane Notes");
-    testing::writeFile(root / locale / "subtitle.txt", "Notes that check themselves");
-    testing::writeFile(root / locale / "keywords.txt", "notes,writing,lists");
-    testing::writeFile(root / locale / "privacy_url.txt", "https://example.com/privacy");
-  }
-  testing::writeFile(root / "review_information" / "email_address.txt", "review at example.com");
-  const auto result = run({"check", root.string(), "--app-version", "1.0", "--format", "json"});
-  // Each locale lists the version's risk and the review address's optimization...
+  testing::writeFile(root / "default" / "description.txt", "Notes that check themselves. Coming soon: sync.");
+  for (const auto* locale : {"de-DE", "en-US", "fr-FR"}) testing::writeFile(root / locale / "name.txt", "Corvane");
+  const auto result = run({"check", root.string(), "--format", "json"});
   const auto lastLocale = result.out.rfind("\"locale\": \"fr-FR\"");
   ASSERT_NE(lastLocale, std::string::npos);
-  EXPECT_NE(result.out.find("\"file\": \"--app-version\"", lastLocale), std::string::npos);
-  EXPECT_NE(result.out.find("\"file\": \"review_information/email_address.txt\"", lastLocale), std::string::npos);
-  // ...but the decision counts each once.
-  EXPECT_THAT(result.out, HasSubstr("\"rejectionRisks\": 1,\n    \"optimizations\": 1,\n"));
-  const auto text = run({"check", root.string(), "--app-version", "1.0"});
-  EXPECT_THAT(text.out, HasSubstr(" 1 rejection risk, "));
+  EXPECT_NE(result.out.find("\"file\": \"default/description.txt\"", lastLocale), std::string::npos);
+  EXPECT_NE(result.out.find("\"rule\": \"content.future-feature\"", lastLocale), std::string::npos);
+  EXPECT_THAT(result.out, HasSubstr("\"rejectionRisks\": 1,\n"));
+}
+
+TEST(CliTest, ConfigurationSetsLevelsAndBadConfigurationIsAUsageError) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  testing::writeFile(root / "en-US" / "name.txt", std::string(31, 'n'));
+  EXPECT_EQ(run({"check", root.string()}).status, exitBlocked);
+  testing::writeFile(root / ".corvane.toml", "[rules]\n\"name.length\" = \"optimization\"\n"
+                                              "\"name.required\" = \"off\"\n");
+  const auto relaxed = run({"check", root.string()});
+  EXPECT_THAT(relaxed.out, HasSubstr("Optimizations (1)\n    • en-US/name.txt:1:31: App name: 1 character too long"));
+  testing::writeFile(root / "other.toml", "[rules]\nname.lenght = \"off\"\n");
+  const auto bad = run({"check", root.string(), "--config", (root / "other.toml").string()});
+  EXPECT_EQ(bad.status, exitUsageOrInput);
+  EXPECT_THAT(bad.err, HasSubstr("other.toml:2: "));
+  EXPECT_THAT(bad.err, HasSubstr("'name.length'"));
+}
+
+TEST(CliTest, RulesListsEveryRuleInTextAndJson) {
+  const auto text = run({"rules"});
+  EXPECT_EQ(text.status, exitReady);
+  for (const auto* id : {"name.length (blocker)", "keywords.duplicate (optimization)", "content.other-platform",
+                         "locale.unknown (blocker)", "copyright.year"}) {
+    EXPECT_THAT(text.out, HasSubstr(id));
+  }
+  EXPECT_THAT(run({"rules", "--format", "json"}).out, HasSubstr("\"id\": \"keywords.spacing\""));
 }
 
 TEST(CliTest, ColoursOnlyOnATerminalWithoutNoColor) {

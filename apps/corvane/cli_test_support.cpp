@@ -1,29 +1,11 @@
 #include "cli_test_support.hpp"
 
-#include "input_error.hpp"
+#include "corvane/store/input_error.hpp"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-#include <stdexcept>
-#include <string>
-
-#include <stdlib.h>
-
 namespace corvane::cli::testing {
 namespace fs = std::filesystem;
-
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = (fs::temp_directory_path() / "corvane-cli-test-XXXXXX").string();
-  if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("cannot create a temporary folder");
-  path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  fs::remove_all(path_, ignored);
-}
 
 fs::path sourceSample() {
   return CORVANE_SOURCE_SAMPLE;
@@ -34,23 +16,10 @@ fs::path copySample(const fs::path& destination) {
   return destination;
 }
 
-void writeFile(const fs::path& path, std::string_view contents) {
-  fs::create_directories(path.parent_path());
-  std::ofstream stream(path, std::ios::binary | std::ios::trunc);
-  stream.write(contents.data(), static_cast<std::streamsize>(contents.size()));
-  if (!stream) throw std::runtime_error("cannot write " + path.string());
-}
-
-std::string readFile(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  if (!stream) throw std::runtime_error("cannot read " + path.string());
-  return std::string(std::istreambuf_iterator<char>(stream), {});
-}
-
 std::string inputErrorOf(const std::function<void()>& action) {
   try {
     action();
-  } catch (const InputError& error) {
+  } catch (const store::InputError& error) {
     return error.what();
   }
   ADD_FAILURE() << "no InputError";

@@ -18,8 +18,8 @@ namespace {
 
 using ItemStatus = CompletionItem::CompletionStatus;
 
-constexpr std::array<FindingCategory, 4> kCategories = {FindingCategory::blocker, FindingCategory::rejectionRisk,
-                                                        FindingCategory::optimization, FindingCategory::opportunity};
+using store::ListingFinding;
+using store::kRuleLevels;
 
 class Paint {
  public:
@@ -40,29 +40,29 @@ constexpr std::string_view kCyan = "36";
 constexpr std::string_view kGreen = "32";
 constexpr std::string_view kDim = "2";
 
-std::string_view heading(FindingCategory category) {
-  switch (category) {
-    case FindingCategory::blocker:
+std::string_view heading(RuleLevel level) {
+  switch (level) {
+    case RuleLevel::blocker:
       return "Blockers";
-    case FindingCategory::rejectionRisk:
+    case RuleLevel::rejectionRisk:
       return "Rejection risks";
-    case FindingCategory::optimization:
+    case RuleLevel::optimization:
       return "Optimizations";
-    case FindingCategory::opportunity:
+    case RuleLevel::opportunity:
       return "Opportunities";
   }
   return {};
 }
 
-std::string_view colourOf(FindingCategory category) {
-  switch (category) {
-    case FindingCategory::blocker:
+std::string_view colourOf(RuleLevel level) {
+  switch (level) {
+    case RuleLevel::blocker:
       return kRed;
-    case FindingCategory::rejectionRisk:
+    case RuleLevel::rejectionRisk:
       return kYellow;
-    case FindingCategory::optimization:
+    case RuleLevel::optimization:
       return kCyan;
-    case FindingCategory::opportunity:
+    case RuleLevel::opportunity:
       return kGreen;
   }
   return {};
@@ -116,13 +116,16 @@ std::string visible(std::string_view text) {
   return result;
 }
 
-std::string fixFile(const FixChange& change) {
-  return change.locale + "/" + std::string(fileName(change.field));
+// "de-DE/keywords.txt:1:12" where the finding has a place in the text.
+std::string location(const ListingFinding& finding) {
+  if (!finding.position) return finding.file;
+  return fmt::format("{}:{}:{}", finding.file, finding.position->line, finding.position->column);
 }
 
-void writeFinding(const Finding& finding, std::ostream& out, const Paint& paint) {
+void writeFinding(const ListingFinding& finding, std::ostream& out, const Paint& paint) {
   const auto& verdict = finding.verdict;
-  out << "    " << paint(colourOf(finding.category), "•") << ' ' << finding.file << ": " << verdict.message << '\n';
+  out << "    " << paint(colourOf(finding.level), "•") << ' ' << visible(location(finding)) << ": "
+      << visible(verdict.message) << paint(kDim, " [" + finding.rule + "]") << '\n';
   if (verdict.businessReason) out << "        why: " << *verdict.businessReason << '\n';
   if (verdict.actionGuidance) {
     const auto& action = verdict.actionGuidance->primaryAction;
@@ -143,11 +146,16 @@ std::string itemMark(const ItemStatus& status, const Paint& paint) {
   return paint(kDim, "[-]");
 }
 
-void writeFindingJson(JsonWriter& json, const Finding& finding) {
+void writeFindingJson(JsonWriter& json, const ListingFinding& finding) {
   const auto& verdict = finding.verdict;
   json.beginObject();
+  json.member("rule", finding.rule);
   json.member("file", finding.file);
-  json.member("property", finding.property);
+  json.key("line");
+  if (finding.position) json.value(finding.position->line); else json.null();
+  json.key("column");
+  if (finding.position) json.value(finding.position->column); else json.null();
+  json.member("property", std::string(store::fieldKey(finding.field)));
   json.member("severity", describe(verdict.severity));
   json.member("message", verdict.message);
   json.member("businessReason", verdict.businessReason);
@@ -178,10 +186,10 @@ void writeItemJson(JsonWriter& json, const CompletionItem& item) {
 
 }  // namespace
 
-void writeFixLines(const std::vector<FixChange>& fixes, bool dryRun, std::ostream& out, bool colour) {
+void writeFixLines(const std::vector<store::ListingEdit>& fixes, bool dryRun, std::ostream& out, bool colour) {
   const Paint paint(colour);
   for (const auto& change : fixes) {
-    out << paint(kBold, dryRun ? "would fix" : "fix") << ": " << fixFile(change) << ": " << change.action << ", "
+    out << paint(kBold, dryRun ? "would fix" : "fix") << ": " << change.file << ": " << change.action << ", "
         << change.charactersBefore << " -> " << change.charactersAfter << " characters\n";
     if (change.charactersBefore <= 200) {
       out << "  " << paint(kRed, "- " + visible(change.before)) << "\n  " << paint(kGreen, "+ " + visible(change.after))
@@ -190,46 +198,63 @@ void writeFixLines(const std::vector<FixChange>& fixes, bool dryRun, std::ostrea
   }
 }
 
+namespace {
+
+void writeSection(const LocaleReport& section, std::string_view title, std::ostream& out, const Paint& paint) {
+  out << '\n' << paint(kBold, std::string(title)) << '\n';
+  bool any = false;
+  for (const auto level : kRuleLevels) {
+    const auto count = std::ranges::count(section.findings, level, &ListingFinding::level);
+    if (count == 0) continue;
+    any = true;
+    out << "  " << paint(colourOf(level), fmt::format("{} ({})", heading(level), count)) << '\n';
+    for (const auto& finding : section.findings) {
+      if (finding.level == level) writeFinding(finding, out, paint);
+    }
+  }
+  if (!any) out << "  " << paint(kGreen, "No issues") << '\n';
+  const auto done = std::ranges::count_if(section.checklist, [](const auto& item) { return item.status.isCompleted(); });
+  out << "  Checklist: " << done << " of " << section.checklist.size() << " done\n";
+  for (const auto& item : section.checklist) {
+    out << "    " << itemMark(item.status, paint) << ' ' << item.title;
+    if (!item.status.isCompleted()) out << paint(kDim, " (" + visible(item.description) + ")");
+    out << '\n';
+  }
+}
+
+void writeGroupsJson(JsonWriter& json, const std::vector<ListingFinding>& findings) {
+  for (const auto level : kRuleLevels) {
+    json.key(categoryKey(level));
+    json.beginArray();
+    for (const auto& finding : findings) {
+      if (finding.level == level) writeFindingJson(json, finding);
+    }
+    json.endArray();
+  }
+}
+
+}  // namespace
+
 void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) {
   const Paint paint(colour);
   out << "corvane " << CorvaneVersionString << ": checking " << visible(report.directory.string()) << " ("
       << plural(static_cast<std::int64_t>(report.locales.size()), "locale", "locales") << ")\n";
   for (const auto& locale : report.locales) {
-    out << '\n' << paint(kBold, locale.locale) << '\n';
-    bool any = false;
-    for (const auto category : kCategories) {
-      const auto count = std::ranges::count(locale.findings, category, &Finding::category);
-      if (count == 0) continue;
-      any = true;
-      out << "  " << paint(colourOf(category), fmt::format("{} ({})", heading(category), count)) << '\n';
-      for (const auto& finding : locale.findings) {
-        if (finding.category == category) writeFinding(finding, out, paint);
-      }
-    }
-    if (!any) out << "  " << paint(kGreen, "No issues") << '\n';
-    const auto done =
-        std::ranges::count_if(locale.checklist, [](const auto& item) { return item.status.isCompleted(); });
-    out << "  Checklist: " << done << " of " << locale.checklist.size() << " done\n";
-    for (const auto& item : locale.checklist) {
-      out << "    " << itemMark(item.status, paint) << ' ' << item.title;
-      if (!item.status.isCompleted())
-        out << paint(kDim, " (" + std::string(statusName(item.status)) + ": " + item.description + ")");
-      out << '\n';
-    }
+    writeSection(locale, locale.locale, out, paint);
   }
+  writeSection(report.shared, "Shared by every locale", out, paint);
   out << '\n'
-      << "Completion: " << report.progress.completedItems << " of " << report.progress.totalItems << " items done, "
-      << plural(report.progress.blockedItems, "blocked item", "blocked items") << ", status " << report.completionStatus
-      << '\n';
+      << "Checklist: " << report.progress.completedItems << " of " << report.progress.totalItems << " items done, "
+      << completionSummary(report) << '\n';
   if (report.nextAction) {
-    out << "Next: " << report.nextAction->title << " in " << report.nextAction->category.value_or("General") << " ("
-        << report.nextAction->description << ")\n";
+    out << "Next: " << report.nextAction->title << " (" << report.nextAction->id << ": "
+        << visible(report.nextAction->description) << ")\n";
   }
   const std::string counts =
-      fmt::format("{}, {}, {}, {}", plural(report.count(FindingCategory::blocker), "blocker", "blockers"),
-                  plural(report.count(FindingCategory::rejectionRisk), "rejection risk", "rejection risks"),
-                  plural(report.count(FindingCategory::optimization), "optimization", "optimizations"),
-                  plural(report.count(FindingCategory::opportunity), "opportunity", "opportunities"));
+      fmt::format("{}, {}, {}, {}", plural(report.count(RuleLevel::blocker), "blocker", "blockers"),
+                  plural(report.count(RuleLevel::rejectionRisk), "rejection risk", "rejection risks"),
+                  plural(report.count(RuleLevel::optimization), "optimization", "optimizations"),
+                  plural(report.count(RuleLevel::opportunity), "opportunity", "opportunities"));
   if (report.blocked()) {
     out << paint(kRed, "Decision: blocked") << " - " << counts << '\n';
   } else {
@@ -252,14 +277,11 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
   for (const auto& locale : report.locales) {
     json.beginObject();
     json.member("locale", locale.locale);
-    for (const auto category : kCategories) {
-      json.key(categoryKey(category));
-      json.beginArray();
-      for (const auto& finding : locale.findings) {
-        if (finding.category == category) writeFindingJson(json, finding);
-      }
-      json.endArray();
-    }
+    // Shared findings are listed under every locale too, as the schema has always done.
+    std::vector<ListingFinding> findings = locale.findings;
+    findings.insert(findings.end(), report.shared.findings.begin(), report.shared.findings.end());
+    std::ranges::stable_sort(findings, {}, &ListingFinding::level);
+    writeGroupsJson(json, findings);
     json.key("checklist");
     json.beginArray();
     for (const auto& item : locale.checklist) writeItemJson(json, item);
@@ -267,11 +289,19 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
     json.endObject();
   }
   json.endArray();
+  json.key("shared");
+  json.beginObject();
+  writeGroupsJson(json, report.shared.findings);
+  json.key("checklist");
+  json.beginArray();
+  for (const auto& item : report.shared.checklist) writeItemJson(json, item);
+  json.endArray();
+  json.endObject();
   json.key("fixes");
   json.beginArray();
   for (const auto& change : report.fixes) {
     json.beginObject();
-    json.member("file", fixFile(change));
+    json.member("file", change.file);
     json.member("action", change.action);
     json.member("charactersBefore", change.charactersBefore);
     json.member("charactersAfter", change.charactersAfter);
@@ -286,7 +316,7 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
   json.member("completedItems", report.progress.completedItems);
   json.member("totalItems", report.progress.totalItems);
   json.member("blockedItems", report.progress.blockedItems);
-  json.member("status", report.completionStatus);
+  json.member("status", completionSummary(report));
   json.member("canComplete", report.canComplete);
   json.key("nextAction");
   if (report.nextAction)
@@ -297,9 +327,9 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
   json.key("decision");
   json.beginObject();
   json.member("canSubmit", !report.blocked());
-  for (const auto category : kCategories) {
-    json.key(categoryKey(category));
-    json.value(report.count(category));
+  for (const auto level : kRuleLevels) {
+    json.key(categoryKey(level));
+    json.value(report.count(level));
   }
   json.endObject();
   json.endObject();

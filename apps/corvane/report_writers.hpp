@@ -11,13 +11,14 @@ namespace corvane::cli {
 /// or changes meaning (new fields may appear without a change).
 inline constexpr std::int64_t kJsonSchemaVersion = 1;
 
-/// Prints one line per auto-fix ("fix: de-DE/name.txt: Auto-trim to 30, 41 -> 30
+/// Prints one line per auto-fix ("fix: de-DE/name.txt: Trim to 30 characters, 41 -> 30
 /// characters", "would fix: ..." on a dry run) with the text before and after for the short
 /// fields.
-void writeFixLines(const std::vector<FixChange>& fixes, bool dryRun, std::ostream& out, bool colour);
+void writeFixLines(const std::vector<store::ListingEdit>& fixes, bool dryRun, std::ostream& out, bool colour);
 
-/// The human-readable report: per locale the four groups with message, business reason
-/// and primary action, the checklist, then the completion status and the decision.
+/// The human-readable report: per locale, then for the shared files, the four groups with
+/// message, business reason, primary action and rule, the checklist, then the completion
+/// and the decision.
 /// `colour` adds ANSI colours.
 void writeTextReport(const CheckReport& report, std::ostream& out, bool colour);
 

@@ -27,8 +27,10 @@ std::set<std::string> keysOf(const json::object& object) {
 }
 
 CheckReport sampleReport() {
-  Checker checker(
-      CheckOptions{.directory = testing::sourceSample(), .appVersion = std::nullopt, .fix = false, .dryRun = false});
+  CheckOptions options;
+  options.directory = testing::sourceSample();
+  options.currentYear = 2026;
+  Checker checker(options);
   return checker.report();
 }
 
@@ -58,8 +60,8 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
   writeJsonReport(sampleReport(), out);
   const auto document = json::parse(out.str()).as_object();
 
-  EXPECT_EQ(keysOf(document), (std::set<std::string>{"schemaVersion", "tool", "directory", "locales", "fixes",
-                                                     "completion", "decision"}));
+  EXPECT_EQ(keysOf(document), (std::set<std::string>{"schemaVersion", "tool", "directory", "locales", "shared",
+                                                     "fixes", "completion", "decision"}));
   EXPECT_EQ(document.at("schemaVersion").as_int64(), 1);
   EXPECT_EQ(document.at("tool").at("name").as_string(), "corvane");
   EXPECT_EQ(document.at("directory").as_string(), testing::sourceSample().string());
@@ -69,8 +71,9 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
   EXPECT_EQ(locales[0].at("locale").as_string(), "de-DE");
   const std::set<std::string> localeKeys = {"locale",        "blockers",      "rejectionRisks",
                                             "optimizations", "opportunities", "checklist"};
-  const std::set<std::string> findingKeys = {"file",           "property",      "severity",    "message",
-                                             "businessReason", "primaryAction", "suggestedFix"};
+  const std::set<std::string> findingKeys = {"rule",           "file",          "line",        "column",
+                                             "property",       "severity",      "message",     "businessReason",
+                                             "primaryAction",  "suggestedFix"};
   std::int64_t blockers = 0;
   for (const auto& locale : locales) {
     EXPECT_EQ(keysOf(locale.as_object()), localeKeys);
@@ -84,7 +87,10 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
   }
   const auto& nameTooLong = locales[0].at("blockers").at(0);
   EXPECT_EQ(nameTooLong.at("file").as_string(), "de-DE/name.txt");
-  EXPECT_EQ(nameTooLong.at("severity").as_string(), "error");
+  EXPECT_EQ(nameTooLong.at("rule").as_string(), "name.length");
+  EXPECT_EQ(nameTooLong.at("line").as_int64(), 1);
+  EXPECT_EQ(nameTooLong.at("column").as_int64(), 31);
+  EXPECT_EQ(nameTooLong.at("severity").as_string(), "critical");
   EXPECT_EQ(nameTooLong.at("primaryAction").at("type").as_string(), "autoFix");
   EXPECT_TRUE(nameTooLong.at("businessReason").is_string());
 
@@ -105,12 +111,15 @@ TEST(TextReportTest, GroupsFindingsAndColoursOnlyWhenAsked) {
   std::ostringstream plain;
   writeTextReport(report, plain, false);
   const std::string text = plain.str();
-  EXPECT_THAT(text, HasSubstr("de-DE\n  Blockers (1)\n    • de-DE/name.txt: App name is "));
-  EXPECT_THAT(text, HasSubstr("why: App Store automatically rejects apps with app name over 30 characters"));
-  EXPECT_THAT(text, HasSubstr("do:  Auto-trim to 30 (Automatically shorten to meet App Store requirements)"));
-  EXPECT_THAT(text, HasSubstr("Rejection risks (1)"));
-  EXPECT_THAT(text, HasSubstr("Optimizations (1)\n    • ja/support_url.txt: Support URL should start with https://"));
-  EXPECT_THAT(text, HasSubstr("Opportunities"));
+  EXPECT_THAT(text, HasSubstr("de-DE\n  Blockers (1)\n    • de-DE/name.txt:1:31: App name: 19 characters too long "
+                              "(49 of 30) [name.length]"));
+  EXPECT_THAT(text, HasSubstr("do:  Trim to 30 characters (Cut the text after its last character that fits)"));
+  EXPECT_THAT(text, HasSubstr("Rejection risks (1)\n    • de-DE/privacy_url.txt: Privacy policy URL uses http://"));
+  EXPECT_THAT(text, HasSubstr("en-US/description.txt:5:20: Description mentions another platform: 'Android'"));
+  EXPECT_THAT(text, HasSubstr("Optimizations (1)\n    • ja/keywords.txt:1:1: Keyword"));
+  EXPECT_THAT(text, HasSubstr("Opportunities (1)\n    • ja/marketing_url.txt: No marketing URL"));
+  EXPECT_THAT(text, HasSubstr("Shared by every locale\n  No issues"));
+  EXPECT_THAT(text, Not(HasSubstr("hasBlockingIssues"))) << "no internal names in the report";
   EXPECT_THAT(text, HasSubstr("Decision: blocked"));
   EXPECT_THAT(text, Not(HasSubstr("\x1b[")));
 

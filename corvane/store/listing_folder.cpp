@@ -1,0 +1,201 @@
+#include "corvane/store/listing_folder.hpp"
+
+#include "corvane/store/input_error.hpp"
+#include "corvane/store/store_facts.hpp"
+#include "corvane/text/characters.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <system_error>
+
+#include <sys/stat.h>
+
+namespace corvane::store {
+namespace fs = std::filesystem;
+namespace {
+
+bool isLower(char c) {
+  return c >= 'a' && c <= 'z';
+}
+bool isAlnum(char c) {
+  return isLower(c) || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+// A symbolic link may point anywhere inside the folder (teams share texts between
+// locales), but never out of it: reading and fixing must stay within what they were given.
+// Resolving the whole path also catches a linked parent folder.
+void requireInside(const fs::path& path, const fs::path& canonicalRoot) {
+  std::error_code error;
+  const fs::path target = fs::weakly_canonical(path, error);
+  if (error) throw InputError(path.string() + ": cannot resolve symbolic link: " + error.message());
+  const auto [rootEnd, targetIt] = std::ranges::mismatch(canonicalRoot, target);
+  if (rootEnd != canonicalRoot.end()) {
+    throw InputError(path.string() + ": symbolic link leads outside " + canonicalRoot.string());
+  }
+}
+
+class Reader {
+ public:
+  Reader(const fs::path& root, const fs::path& canonicalRoot) : root_(root), canonicalRoot_(canonicalRoot) {}
+
+  std::uintmax_t bytesRead() const { return bytesRead_; }
+
+  // Reads `relative` below the root if it exists as a regular file (or a link to one inside
+  // the root). `parentIsLink` says whether a folder between the root and the file is a
+  // link, in which case the path is resolved even when the file itself is not a link.
+  ListingText read(const fs::path& folder, std::string_view relative, const std::string& file, bool parentIsLink) {
+    ListingText result{.text = std::nullopt, .frame = {}, .path = folder / relative, .file = file,
+                       .source = TextSource::none};
+    const fs::path& path = result.path;
+    // One lstat answers most files: present, not a link, regular, and its size.
+    struct stat info {};
+    if (::lstat(path.c_str(), &info) != 0) {
+      if (errno == ENOENT || errno == ENOTDIR) return result;
+      throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
+    }
+    if (S_ISLNK(info.st_mode) || parentIsLink) {
+      requireInside(path, canonicalRoot_);
+      if (::stat(path.c_str(), &info) != 0) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
+    }
+    if (!S_ISREG(info.st_mode)) throw InputError(path.string() + ": not a regular file");
+    std::string text = contents(path, static_cast<std::uintmax_t>(info.st_size));
+    result.frame = unframe(text);
+    result.text = std::move(text);
+    result.source = TextSource::own;
+    return result;
+  }
+
+  // Whether `folder` (below the root) is reached through a symbolic link; a link must stay
+  // inside the root and lead somewhere, or a locale would go unchecked without a word.
+  bool checkLink(const fs::path& folder) const {
+    std::error_code error;
+    if (!fs::is_symlink(fs::symlink_status(folder, error))) return false;
+    if (!fs::exists(folder, error)) throw InputError(folder.string() + ": broken symbolic link");
+    requireInside(folder, canonicalRoot_);
+    return true;
+  }
+
+ private:
+  std::string contents(const fs::path& path, std::uintmax_t size) {
+    if (size > kMaxFileSize) {
+      throw InputError(path.string() + ": file is " + std::to_string(size) + " bytes, more than the 1 MiB allowed");
+    }
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) throw InputError(path.string() + ": cannot open for reading");
+    std::string text(static_cast<std::size_t>(size), '\0');
+    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
+    if (stream.gcount() != static_cast<std::streamsize>(text.size())) {
+      throw InputError(path.string() + ": cannot read the whole file");
+    }
+    bytesRead_ += text.size();
+    if (auto offset = firstInvalidUtf8Offset(text)) {
+      throw InputError(path.string() + ": not valid UTF-8 at byte offset " + std::to_string(*offset));
+    }
+    return text;
+  }
+
+  const fs::path& root_;
+  const fs::path& canonicalRoot_;
+  std::uintmax_t bytesRead_ = 0;
+};
+
+LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path& folder) {
+  const bool isLink = reader.checkLink(folder);
+  LocaleFolder locale{.locale = name, .folder = folder, .texts = {}};
+  for (const auto field : kLocaleFields) {
+    locale.text(field) = reader.read(folder, fieldFile(field), name + "/" + std::string(fieldFile(field)), isLink);
+  }
+  return locale;
+}
+
+bool holdsListingFile(const fs::path& folder) {
+  std::error_code error;
+  return std::ranges::any_of(kLocaleFields, [&](ListingField field) { return fs::exists(folder / fieldFile(field), error); });
+}
+
+}  // namespace
+
+bool looksLikeLocale(std::string_view name) noexcept {
+  std::size_t position = 0;
+  while (position < name.size() && isLower(name[position])) ++position;
+  if (position < 2 || position > 3) return false;
+  while (position < name.size()) {
+    if (name[position] != '-') return false;
+    const std::size_t start = ++position;
+    while (position < name.size() && isAlnum(name[position])) ++position;
+    const std::size_t length = position - start;
+    if (length < 2 || length > 8) return false;
+  }
+  return true;
+}
+
+ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts, std::span<const std::string> extraLocales) {
+  std::error_code error;
+  if (!fs::is_directory(root, error)) {
+    throw InputError(root.string() + (fs::exists(root, error) ? ": not a folder" : ": no such folder"));
+  }
+  const fs::path canonicalRoot = fs::canonical(root, error);
+  if (error) throw InputError(root.string() + ": cannot open folder: " + error.message());
+  Reader reader(root, canonicalRoot);
+
+  ListingFolder listing{.root = root, .locales = {}, .unknownLocales = {}, .shared = {}, .bytesRead = 0};
+  std::vector<std::string> localeNames;
+  fs::directory_iterator entries(root, error);
+  if (error) throw InputError(root.string() + ": cannot read folder: " + error.message());
+  for (const auto& entry : entries) {
+    const std::string name = entry.path().filename().string();
+    std::error_code entryError;
+    if (name.starts_with('.') || facts.isSharedFolder(name)) continue;
+    const bool known = facts.isLocale(name) || std::ranges::find(extraLocales, name) != extraLocales.end();
+    if (known) {
+      reader.checkLink(entry.path());
+      if (entry.is_directory(entryError)) localeNames.push_back(name);
+    } else if (entry.is_directory(entryError) && (looksLikeLocale(name) || holdsListingFile(entry.path()))) {
+      listing.unknownLocales.push_back({name, facts.closestLocale(name)});
+    }
+  }
+  std::ranges::sort(localeNames);
+  std::ranges::sort(listing.unknownLocales, {}, &UnknownLocaleFolder::name);
+  if (localeNames.empty()) {
+    std::string message = root.string() + ": no locale folders (such as en-US) found";
+    if (!listing.unknownLocales.empty()) {
+      const auto& unknown = listing.unknownLocales.front();
+      message += "; '" + unknown.name + "' is not a locale code the store knows";
+      if (unknown.suggestion) message += " (did you mean '" + *unknown.suggestion + "'?)";
+    }
+    throw InputError(message);
+  }
+
+  std::optional<LocaleFolder> defaults;
+  if (fs::is_directory(root / "default", error)) defaults = readLocale(reader, "default", root / "default");
+  for (const auto& name : localeNames) {
+    LocaleFolder locale = readLocale(reader, name, root / name);
+    const bool anyFile = std::ranges::any_of(locale.texts, [](const ListingText& t) { return t.text.has_value(); });
+    if (!anyFile && !defaults) {
+      throw InputError(locale.folder.string() + ": locale folder holds none of the metadata files");
+    }
+    if (defaults) {
+      for (const auto field : kLocaleFields) {
+        auto& text = locale.text(field);
+        const auto& fallback = defaults->text(field);
+        if (text.text || !fallback.text) continue;
+        text = fallback;
+        text.source = TextSource::defaults;
+      }
+    }
+    listing.locales.push_back(std::move(locale));
+  }
+
+  const bool reviewIsLink = reader.checkLink(root / "review_information");
+  for (const auto field : kSharedFields) {
+    const std::string_view file = fieldFile(field);
+    listing.sharedText(field) =
+        reader.read(root, file, std::string(file), file.starts_with("review_information/") && reviewIsLink);
+  }
+  listing.bytesRead = reader.bytesRead();
+  return listing;
+}
+
+}  // namespace corvane::store

@@ -1,0 +1,635 @@
+#include "corvane/store/listing_rules.hpp"
+
+#include "corvane/store/closest_match.hpp"
+#include "corvane/store/keyword_list.hpp"
+#include "corvane/store/store_facts.hpp"
+#include "corvane/support/url.hpp"
+#include "corvane/text/characters.hpp"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+
+namespace corvane::store {
+namespace {
+
+using Action = ActionGuidance::Action;
+using ActionType = Action::ActionType;
+using DisplayStyle = DisplayBehavior::DisplayStyle;
+using DisplayTiming = DisplayBehavior::DisplayTiming;
+
+// The word-list families and the content rule each feeds.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kContentFamilies = {{
+    {"other-platform", "content.other-platform"},
+    {"placeholder", "content.placeholder"},
+    {"future-feature", "content.future-feature"},
+    {"profanity", "content.profanity"},
+}};
+
+std::string plural(std::int64_t count, std::string_view one, std::string_view many) {
+  return fmt::format("{} {}", count, count == 1 ? one : many);
+}
+
+// A label inside a sentence: "App name" reads "app name", but "URL" stays "URL".
+std::string inSentence(std::string_view label) {
+  std::string text(label);
+  if (text.size() > 1 && text[0] >= 'A' && text[0] <= 'Z' && !(text[1] >= 'A' && text[1] <= 'Z')) {
+    text[0] = static_cast<char>(text[0] - 'A' + 'a');
+  }
+  return text;
+}
+
+std::string fileNameOf(const std::string& file) {
+  const auto slash = file.rfind('/');
+  return slash == std::string::npos ? file : file.substr(slash + 1);
+}
+
+ActionGuidance manual(std::string title, std::string description, std::vector<std::string> steps,
+                      std::string estimatedTime = "1-2 minutes") {
+  return ActionGuidance{
+      .primaryAction = Action{.title = std::move(title),
+                              .description = std::move(description),
+                              .type = ActionType::manual(std::move(steps))},
+      .alternativeActions = {},
+      .helpURL = std::nullopt,
+      .estimatedTime = std::move(estimatedTime),
+  };
+}
+
+// The fix itself is `ListingFinding::fixedText`: whoever applies it knows the entity, the
+// verdict does not, so the handler has nothing to do.
+ActionGuidance autoFix(std::string title, std::string description, Action alternative) {
+  return ActionGuidance{
+      .primaryAction = Action{.title = std::move(title),
+                              .description = std::move(description),
+                              .type = ActionType::autoFix([] {})},
+      .alternativeActions = {std::move(alternative)},
+      .helpURL = std::nullopt,
+      .estimatedTime = "< 1 minute",
+  };
+}
+
+// Where the (count + 1)th character of `text` starts, counting from its first character
+// that is not white space: the first character over a limit.
+std::size_t offsetAfterCharacters(std::string_view text, std::int64_t count) {
+  const std::string_view inner = trimmed(text);
+  const std::size_t start = static_cast<std::size_t>(inner.data() - text.data());
+  return start + prefixCharacters(inner, static_cast<std::size_t>(std::max<std::int64_t>(count, 0))).size();
+}
+
+bool isAsciiDigit(char c) {
+  return c >= '0' && c <= '9';
+}
+
+// The year a copyright line starts with, after an optional "©", "(c)" or "Copyright"; the
+// last year of a range ("2019-2026"). Nothing when it does not start with a year.
+std::optional<int> copyrightYear(std::string_view text) {
+  text = trimmed(text);
+  for (const std::string_view prefix : {"\u00A9", "(c)", "(C)", "Copyright", "copyright", "COPYRIGHT"}) {
+    if (text.starts_with(prefix)) text = trimmed(text.substr(prefix.size()));
+  }
+  auto readYear = [](std::string_view from) -> std::optional<int> {
+    if (from.size() < 4 || !std::all_of(from.begin(), from.begin() + 4, isAsciiDigit)) return std::nullopt;
+    if (from.size() > 4 && isAsciiDigit(from[4])) return std::nullopt;
+    int year = 0;
+    std::from_chars(from.data(), from.data() + 4, year);
+    return year;
+  };
+  auto year = readYear(text);
+  if (!year) return std::nullopt;
+  std::string_view rest = trimmed(text.substr(4));
+  for (const std::string_view dash : {"-", "\u2013", "\u2014"}) {
+    if (!rest.starts_with(dash)) continue;
+    if (auto last = readYear(trimmed(rest.substr(dash.size())))) year = last;
+  }
+  return year;
+}
+
+// A plausible phone number: digits with the usual separators, at least six digits.
+bool looksLikePhoneNumber(std::string_view text) {
+  int digits = 0;
+  for (const char c : text) {
+    if (isAsciiDigit(c)) {
+      ++digits;
+    } else if (std::string_view(" +-()./").find(c) == std::string_view::npos) {
+      return false;
+    }
+  }
+  return digits >= 6;
+}
+
+// local@domain.tld, with no white space, one '@' and a dot inside the domain.
+bool looksLikeEmailAddress(std::string_view text) {
+  const auto at = text.find('@');
+  if (at == std::string_view::npos || at == 0 || text.find('@', at + 1) != std::string_view::npos) return false;
+  const std::string_view domain = text.substr(at + 1);
+  const auto dot = domain.rfind('.');
+  if (dot == std::string_view::npos || dot == 0 || dot + 1 >= domain.size()) return false;
+  return std::ranges::none_of(text, [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == 0x7F; });
+}
+
+std::string hostOfEmail(std::string_view address) {
+  return lowercased(address.substr(address.rfind('@') + 1));
+}
+
+}  // namespace
+
+ValidationResult listingVerdict(RuleLevel level, std::string message, std::string reason, ActionGuidance guidance) {
+  switch (level) {
+    case RuleLevel::blocker: {
+      auto impact = BusinessImpact::blocker(message);
+      return ValidationResult(
+          false, ValidationSeverity::critical, std::move(message), std::nullopt, std::move(reason), std::move(impact),
+          std::move(guidance),
+          DisplayBehavior{.timing = DisplayTiming::immediate(), .priority = 1000, .style = DisplayStyle::critical});
+    }
+    case RuleLevel::rejectionRisk:
+      return ValidationResult(
+          false, ValidationSeverity::error, std::move(message), std::nullopt, std::move(reason),
+          BusinessImpact::rejectionRisk(BusinessImpact::RejectionSeverity::medium), std::move(guidance),
+          DisplayBehavior{.timing = DisplayTiming::onInteraction(), .priority = 800, .style = DisplayStyle::error});
+    case RuleLevel::optimization:
+      return ValidationResult(
+          true, ValidationSeverity::warning, std::move(message), std::nullopt, reason,
+          BusinessImpact::suboptimal(reason), std::move(guidance),
+          DisplayBehavior{.timing = DisplayTiming::onInteraction(), .priority = 500, .style = DisplayStyle::warning});
+    case RuleLevel::opportunity:
+      break;
+  }
+  return ValidationResult(
+      true, ValidationSeverity::info, std::move(message), std::nullopt, reason, BusinessImpact::opportunity(reason),
+      std::move(guidance),
+      DisplayBehavior{.timing = DisplayTiming::onFocus(), .priority = 100, .style = DisplayStyle::info});
+}
+
+ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& configuration, std::string locale,
+                           RuleContext context)
+    : facts_(facts),
+      configuration_(configuration),
+      locale_(std::move(locale)),
+      context_(context),
+      catalog_(ruleCatalog(facts)) {
+  if (configuration_.firstVersion) context_.firstVersion = *configuration_.firstVersion;
+  if (locale_.empty()) return;  // the shared files hold no store text
+  auto addWords = [this](PhraseMatcher& matcher, const std::vector<std::string>& words, std::string_view rule) {
+    for (const auto& word : words) {
+      if (matcher.add(word) && &matcher == &content_) contentPhrases_.push_back({std::string(rule)});
+    }
+  };
+  for (const auto& [family, rule] : kContentFamilies) {
+    if (levelOf(rule)) addWords(content_, facts_.words(family, locale_), rule);
+  }
+  const auto words = configuration_.wordsFor(locale_);
+  if (levelOf("content.forbidden")) addWords(content_, words.forbidden, "content.forbidden");
+  if (levelOf("content.claim")) addWords(claims_, facts_.words("claim", locale_), "content.claim");
+  addWords(allowed_, words.allowed, "");
+}
+
+std::optional<RuleLevel> ListingRules::levelOf(std::string_view rule) const {
+  const RuleInfo* info = findRule(catalog_, rule);
+  if (info == nullptr) return std::nullopt;
+  return configuration_.levelOf(rule, locale_, info->defaultLevel);
+}
+
+ListingFinding ListingRules::finding(std::string_view rule, RuleLevel level, ListingField field,
+                                     const std::string& file, std::optional<TextPosition> position,
+                                     ValidationResult verdict, std::optional<std::string> fixedText) const {
+  return ListingFinding{.rule = std::string(rule),
+                        .level = level,
+                        .field = field,
+                        .file = file,
+                        .position = position,
+                        .verdict = std::move(verdict),
+                        .fixedText = std::move(fixedText)};
+}
+
+std::vector<ListingFinding> ListingRules::judge(ListingField field, std::string_view text,
+                                                const std::string& file) const {
+  std::vector<ListingFinding> out;
+  judgeRequired(field, text, file, out);
+  if (trimmed(text).empty()) {
+    judgeMissingOptional(field, text, file, out);
+    return out;
+  }
+  judgeLength(field, text, file, out);
+  switch (fieldKind(field)) {
+    case FieldKind::keywords:
+      judgeKeywords(text, file, out);
+      break;
+    case FieldKind::url:
+      judgeUrl(field, text, file, out);
+      break;
+    case FieldKind::copyright:
+      judgeCopyright(text, file, out);
+      break;
+    case FieldKind::category:
+      judgeCategory(field, text, file, out);
+      break;
+    case FieldKind::phone:
+    case FieldKind::email:
+      judgeContact(field, text, file, out);
+      break;
+    case FieldKind::text:
+    case FieldKind::name:
+    case FieldKind::secret:
+      break;
+  }
+  if (isStoreText(field)) judgeContent(field, text, file, out);
+  return out;
+}
+
+void ListingRules::judgeRequired(ListingField field, std::string_view text, const std::string& file,
+                                 std::vector<ListingFinding>& out) const {
+  const auto& about = facts_.field(field);
+  if (!about.required || !trimmed(text).empty()) return;
+  if (field == ListingField::releaseNotes && context_.firstVersion) return;
+  const std::string rule = std::string(fieldKey(field)) + ".required";
+  const auto level = levelOf(rule);
+  if (!level) return;
+  const std::string name = inSentence(about.label);
+  out.push_back(finding(rule, *level, field, file, std::nullopt,
+                        listingVerdict(*level, "No " + name, findRule(catalog_, rule)->reason,
+                                       manual("Add the " + name, "Write it into " + fileNameOf(file),
+                                              {"Write the " + name + " into " + file}))));
+}
+
+void ListingRules::judgeLength(ListingField field, std::string_view text, const std::string& file,
+                               std::vector<ListingFinding>& out) const {
+  const auto& about = facts_.field(field);
+  if (!about.limit) return;
+  const std::int64_t count = static_cast<std::int64_t>(characterCount(trimmed(text)));
+  if (count <= *about.limit) return;
+  const std::string rule = std::string(fieldKey(field)) + ".length";
+  const auto level = levelOf(rule);
+  if (!level) return;
+  const std::int64_t limit = *about.limit;
+  const std::int64_t excess = count - limit;
+  const bool keywords = field == ListingField::keywords;
+  std::string fixed = keywords ? trimKeywordsToLimit(text, limit) : trimToLimit(text, limit);
+  const std::string limitText = plural(limit, "character", "characters");
+  auto guidance = autoFix(
+      "Trim to " + limitText,
+      keywords ? "Drop the last keywords until the list fits" : "Cut the text after its last character that fits",
+      Action{.title = "Shorten it yourself",
+             .description = "Remove " + plural(excess, "character", "characters") + " where it costs least",
+             .type = ActionType::manual({"Remove " + plural(excess, "character", "characters") + " from " + file,
+                                         "Keep the words that matter most to people searching"})});
+  const std::string message =
+      fmt::format("{}: {} too long ({} of {})", about.label, plural(excess, "character", "characters"), count, limit);
+  out.push_back(finding(rule, *level, field, file, positionAt(text, offsetAfterCharacters(text, limit)),
+                        listingVerdict(*level, message, findRule(catalog_, rule)->reason, std::move(guidance)),
+                        std::move(fixed)));
+}
+
+void ListingRules::judgeMissingOptional(ListingField field, std::string_view, const std::string& file,
+                                        std::vector<ListingFinding>& out) const {
+  std::string rule;
+  switch (field) {
+    case ListingField::subtitle:
+    case ListingField::promotionalText:
+    case ListingField::marketingUrl:
+      rule = std::string(fieldKey(field)) + ".missing";
+      break;
+    default:
+      return;
+  }
+  const auto level = levelOf(rule);
+  if (!level) return;
+  const std::string name = inSentence(facts_.field(field).label);
+  out.push_back(finding(rule, *level, field, file, std::nullopt,
+                        listingVerdict(*level, "No " + name, findRule(catalog_, rule)->reason,
+                                       manual("Add a " + name, "Write it into " + fileNameOf(file),
+                                              {"Write the " + name + " into " + file}, "5-15 minutes"))));
+}
+
+void ListingRules::judgeKeywords(std::string_view text, const std::string& file,
+                                 std::vector<ListingFinding>& out) const {
+  constexpr auto field = ListingField::keywords;
+  if (const auto level = levelOf("keywords.duplicate")) {
+    std::vector<std::string> seen;
+    const std::string fixed = withoutDuplicateKeywords(text);
+    for (const auto& keyword : splitKeywords(text)) {
+      std::string lower = lowercased(keyword.text);
+      if (std::ranges::find(seen, lower) == seen.end()) {
+        seen.push_back(std::move(lower));
+        continue;
+      }
+      const std::string quoted = "'" + std::string(keyword.text) + "'";
+      out.push_back(finding(
+          "keywords.duplicate", *level, field, file, positionAt(text, keyword.offset),
+          listingVerdict(*level, "Keyword " + quoted + " appears twice", findRule(catalog_, "keywords.duplicate")->reason,
+                         autoFix("Remove duplicate keywords", "Keep the first of each keyword and drop the repeats",
+                                 Action{.title = "Replace it",
+                                        .description = "Use the characters for another search term",
+                                        .type = ActionType::manual({"Replace " + quoted + " in " + file +
+                                                                    " with a term people search for"})})),
+          fixed));
+    }
+  }
+  if (const auto level = levelOf("keywords.spacing")) {
+    const std::string fixed = withoutSpacesAroundCommas(text);
+    const std::string_view inner = trimmed(text);
+    if (fixed != inner) {
+      const std::int64_t wasted =
+          static_cast<std::int64_t>(characterCount(inner)) - static_cast<std::int64_t>(characterCount(fixed));
+      // The first white space next to a comma.
+      std::size_t at = 0;
+      for (std::size_t comma = text.find(','); comma != std::string_view::npos; comma = text.find(',', comma + 1)) {
+        const std::string_view before = text.substr(0, comma);
+        const std::size_t kept = trimmed(before).size() + static_cast<std::size_t>(trimmed(before).data() - before.data());
+        if (kept < comma) {
+          at = kept;
+          break;
+        }
+        if (comma + 1 < text.size() && trimmed(text.substr(comma + 1)).data() != text.data() + comma + 1) {
+          at = comma + 1;
+          break;
+        }
+      }
+      out.push_back(finding(
+          "keywords.spacing", *level, field, file, positionAt(text, at),
+          listingVerdict(*level, "Spaces around commas waste " + plural(wasted, "character", "characters"),
+                         findRule(catalog_, "keywords.spacing")->reason,
+                         autoFix("Remove spaces around commas", "Write the keywords as one,two,three",
+                                 Action{.title = "Edit the list",
+                                        .description = "Remove the spaces yourself",
+                                        .type = ActionType::manual({"Remove the spaces next to commas in " + file})})),
+          fixed));
+    }
+  }
+}
+
+std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view keywords, std::string_view name,
+                                                              std::string_view subtitle,
+                                                              const std::string& file) const {
+  std::vector<ListingFinding> out;
+  const auto level = levelOf("keywords.repeats-name");
+  if (!level) return out;
+  const auto spans = splitKeywords(keywords);
+  PhraseMatcher matcher;
+  std::vector<std::size_t> spanOf;  // phrase index -> keyword
+  for (std::size_t i = 0; i < spans.size(); ++i) {
+    if (matcher.add(spans[i].text)) spanOf.push_back(i);
+  }
+  std::vector<bool> inName(spans.size()), inSubtitle(spans.size());
+  for (const auto& match : matcher.findAll(name)) inName[spanOf[match.phrase]] = true;
+  for (const auto& match : matcher.findAll(subtitle)) inSubtitle[spanOf[match.phrase]] = true;
+  for (std::size_t i = 0; i < spans.size(); ++i) {
+    if (!inName[i] && !inSubtitle[i]) continue;
+    const std::string quoted = "'" + std::string(spans[i].text) + "'";
+    const std::string where = inName[i] ? "app name" : "subtitle";
+    out.push_back(finding("keywords.repeats-name", *level, ListingField::keywords, file,
+                          positionAt(keywords, spans[i].offset),
+                          listingVerdict(*level, "Keyword " + quoted + " is already in the " + where,
+                                         findRule(catalog_, "keywords.repeats-name")->reason,
+                                         manual("Use another keyword", "The " + where + " is searched already",
+                                                {"Replace " + quoted + " in " + file +
+                                                 " with a term that is not in the name or subtitle"}))));
+  }
+  return out;
+}
+
+void ListingRules::judgeUrl(ListingField field, std::string_view text, const std::string& file,
+                            std::vector<ListingFinding>& out) const {
+  const std::string label = facts_.field(field).label;
+  const std::string_view address = trimmed(text);
+  // Schemes are case-insensitive; an address needs a host after the scheme ("https://"
+  // alone parses, but leads nowhere), and white space or control characters never belong in one.
+  const auto separator = address.find("://");
+  const std::string scheme = separator == std::string_view::npos ? std::string() : lowercased(address.substr(0, separator));
+  const std::string_view rest = separator == std::string_view::npos ? std::string_view() : address.substr(separator + 3);
+  const bool hasHost = !rest.empty() && rest.find_first_of("/?#") != 0;
+  const bool clean = std::ranges::none_of(address, [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == 0x7F; });
+  const auto url = Url::parse(address);
+  if (!url || !clean || !hasHost || (scheme != "https" && scheme != "http")) {
+    if (const auto level = levelOf("url.invalid")) {
+      const std::string problem = !clean ? " contains a space or a control character" : " is not a complete web address";
+      out.push_back(finding("url.invalid", *level, field, file, std::nullopt,
+                            listingVerdict(*level, label + problem, findRule(catalog_, "url.invalid")->reason,
+                                           manual("Fix the address", "Write the whole address, starting with https://",
+                                                  {"Write an address such as https://your-site.app/page into " +
+                                                   file}))));
+    }
+    return;
+  }
+  if (scheme == "http") {
+    if (const auto level = levelOf("url.insecure")) {
+      out.push_back(finding("url.insecure", *level, field, file, std::nullopt,
+                            listingVerdict(*level, label + " uses http:// instead of https://",
+                                           findRule(catalog_, "url.insecure")->reason,
+                                           manual("Switch to https", "Serve the page over https and update the address",
+                                                  {"Make the page available over https",
+                                                   "Replace http:// with https:// in " + file},
+                                                  "5 minutes"))));
+    }
+  }
+  const auto links = findLinks(address);
+  if (!links.empty() && facts_.isPlaceholderHost(links.front().host)) {
+    if (const auto level = levelOf("address.placeholder")) {
+      out.push_back(finding("address.placeholder", *level, field, file, std::nullopt,
+                            listingVerdict(*level, label + " points to a placeholder domain (" + links.front().host + ")",
+                                           findRule(catalog_, "address.placeholder")->reason,
+                                           manual("Use the real address", "Point it to your own site",
+                                                  {"Write your page's real address into " + file}))));
+    }
+  }
+}
+
+void ListingRules::judgeCopyright(std::string_view text, const std::string& file,
+                                  std::vector<ListingFinding>& out) const {
+  constexpr auto field = ListingField::copyright;
+  const auto year = copyrightYear(text);
+  if (!year || *year > context_.currentYear) {
+    if (const auto level = levelOf("copyright.year")) {
+      const std::string message = !year ? "Copyright does not start with a year"
+                                        : fmt::format("Copyright year {} is in the future", *year);
+      out.push_back(finding("copyright.year", *level, field, file, TextPosition{1, 1},
+                            listingVerdict(*level, message, findRule(catalog_, "copyright.year")->reason,
+                                           manual("Start it with the year",
+                                                  fmt::format("Write it as \"{} Your Company\"", context_.currentYear),
+                                                  {fmt::format("Start {} with {}", file, context_.currentYear)}))));
+    }
+    return;
+  }
+  if (*year < context_.currentYear) {
+    if (const auto level = levelOf("copyright.outdated")) {
+      out.push_back(finding(
+          "copyright.outdated", *level, field, file, TextPosition{1, 1},
+          listingVerdict(*level, fmt::format("Copyright year {} is not this year ({})", *year, context_.currentYear),
+                         findRule(catalog_, "copyright.outdated")->reason,
+                         manual("Update the year", fmt::format("Change the year to {}", context_.currentYear),
+                                {fmt::format("Change the year in {} to {}", file, context_.currentYear)}))));
+    }
+  }
+}
+
+void ListingRules::judgeCategory(ListingField field, std::string_view text, const std::string& file,
+                                 std::vector<ListingFinding>& out) const {
+  const std::string_view value = trimmed(text);
+  if (facts_.isCategory(value)) return;
+  const auto level = levelOf("category.unknown");
+  if (!level) return;
+  std::string message = "'" + std::string(value) + "' is not a category the store knows";
+  const auto suggestion = closestMatch(value, facts_.categories(), 3);
+  if (suggestion) message += "; did you mean '" + *suggestion + "'?";
+  out.push_back(finding("category.unknown", *level, field, file, TextPosition{1, 1},
+                        listingVerdict(*level, message, findRule(catalog_, "category.unknown")->reason,
+                                       manual("Use a store category",
+                                              suggestion ? "Write " + *suggestion + " into " + fileNameOf(file)
+                                                         : "Write one of the store's categories, such as PRODUCTIVITY",
+                                              {"Write a category such as " + suggestion.value_or("PRODUCTIVITY") +
+                                               " into " + file}))));
+}
+
+void ListingRules::judgeContact(ListingField field, std::string_view text, const std::string& file,
+                                std::vector<ListingFinding>& out) const {
+  const std::string_view value = trimmed(text);
+  const std::string label = facts_.field(field).label;
+  if (field == ListingField::reviewPhone) {
+    if (looksLikePhoneNumber(value)) return;
+    if (const auto level = levelOf("review-phone.format")) {
+      out.push_back(finding("review-phone.format", *level, field, file, std::nullopt,
+                            listingVerdict(*level, label + " does not look like a phone number",
+                                           findRule(catalog_, "review-phone.format")->reason,
+                                           manual("Fix the number", "Write it with the country code, such as +44 20 7946 0000",
+                                                  {"Write the number with its country code into " + file}))));
+    }
+    return;
+  }
+  if (!looksLikeEmailAddress(value)) {
+    if (const auto level = levelOf("review-email.format")) {
+      out.push_back(finding("review-email.format", *level, field, file, std::nullopt,
+                            listingVerdict(*level, label + " is not an e-mail address",
+                                           findRule(catalog_, "review-email.format")->reason,
+                                           manual("Fix the address", "Write an address such as review@your-site.app",
+                                                  {"Write the review contact's e-mail address into " + file}))));
+    }
+    return;
+  }
+  const std::string host = hostOfEmail(value);
+  if (!facts_.isPlaceholderHost(host)) return;
+  if (const auto level = levelOf("address.placeholder")) {
+    out.push_back(finding("address.placeholder", *level, field, file, std::nullopt,
+                          listingVerdict(*level, label + " uses a placeholder domain (" + host + ")",
+                                         findRule(catalog_, "address.placeholder")->reason,
+                                         manual("Use a real address", "Review writes to this address",
+                                                {"Write an address that reaches your team into " + file}))));
+  }
+}
+
+void ListingRules::judgeContent(ListingField field, std::string_view text, const std::string& file,
+                                std::vector<ListingFinding>& out) const {
+  const bool claimsApply =
+      field == ListingField::name || field == ListingField::subtitle || field == ListingField::keywords;
+  if (content_.empty() && (!claimsApply || claims_.empty()) && !levelOf("content.placeholder")) return;
+  const std::string label = facts_.field(field).label;
+  const auto allowedMatches = allowed_.empty() ? std::vector<PhraseMatch>() : allowed_.findAll(text);
+  auto isAllowed = [&](const PhraseMatch& match) {
+    return std::ranges::any_of(allowedMatches, [&](const PhraseMatch& allowed) {
+      return allowed.offset <= match.offset && match.offset + match.length <= allowed.offset + allowed.length;
+    });
+  };
+  struct Hit {
+    std::size_t offset;
+    std::size_t length;
+    std::string rule;
+  };
+  std::vector<Hit> hits;
+  for (const auto& match : content_.findAll(text)) {
+    if (!isAllowed(match)) hits.push_back({match.offset, match.length, contentPhrases_[match.phrase].rule});
+  }
+  if (claimsApply) {
+    for (const auto& match : claims_.findAll(text)) {
+      if (!isAllowed(match)) hits.push_back({match.offset, match.length, "content.claim"});
+    }
+  }
+  if (levelOf("content.placeholder")) {
+    for (const auto& link : findLinks(text)) {
+      if (facts_.isPlaceholderHost(link.host)) hits.push_back({link.offset, link.length, "content.placeholder"});
+    }
+  }
+  // Reported in catalog order, each rule's matches in text order.
+  std::ranges::sort(hits, [](const Hit& a, const Hit& b) { return a.offset < b.offset; });
+  for (const auto& rule : catalog_) {
+    if (!rule.id.starts_with("content.")) continue;
+    for (const auto& hit : hits) {
+      if (hit.rule != rule.id) continue;
+      const auto level = levelOf(hit.rule);
+      if (!level) continue;
+      const std::string quoted = "'" + std::string(text.substr(hit.offset, hit.length)) + "'";
+      std::string message;
+      if (hit.rule == "content.other-platform") message = label + " mentions another platform: " + quoted;
+      if (hit.rule == "content.placeholder") message = label + " holds placeholder text: " + quoted;
+      if (hit.rule == "content.future-feature") message = label + " promises a future feature: " + quoted;
+      if (hit.rule == "content.claim") message = label + " makes a price or ranking claim: " + quoted;
+      if (hit.rule == "content.profanity") message = label + " holds profanity: " + quoted;
+      if (hit.rule == "content.forbidden") message = label + " holds a forbidden word: " + quoted;
+      auto guidance = manual("Reword it", "Remove or replace " + quoted,
+                             {"Remove or replace " + quoted + " in " + file});
+      guidance.alternativeActions.push_back(
+          Action{.title = "Allow the word",
+                 .description = "If it is meant, allow it in the configuration",
+                 .type = ActionType::manual({"Add " + quoted + " to allowed under [words] in .corvane.toml"})});
+      out.push_back(finding(hit.rule, *level, field, file, positionAt(text, hit.offset),
+                            listingVerdict(*level, std::move(message), rule.reason, std::move(guidance))));
+    }
+  }
+}
+
+std::vector<ListingFinding> ListingRules::judgeDemoAccount(std::string_view user, std::string_view password) const {
+  std::vector<ListingFinding> out;
+  const bool hasUser = !trimmed(user).empty();
+  const bool hasPassword = !trimmed(password).empty();
+  if (hasUser == hasPassword) return out;
+  const auto level = levelOf("review.demo-account");
+  if (!level) return out;
+  const auto missing = hasUser ? ListingField::reviewDemoPassword : ListingField::reviewDemoUser;
+  const std::string file(fieldFile(missing));
+  const std::string message = hasUser ? "Demo account has a user name but no password"
+                                      : "Demo account has a password but no user name";
+  out.push_back(finding("review.demo-account", *level, missing, file, std::nullopt,
+                        listingVerdict(*level, message, findRule(catalog_, "review.demo-account")->reason,
+                                       manual("Complete the demo account", "Give both the user name and the password",
+                                              {"Write the missing part into " + file,
+                                               "Or remove both files if review needs no account"}))));
+  return out;
+}
+
+std::vector<ListingFinding> ListingRules::judgeUnknownLocale(const UnknownLocaleFolder& folder) const {
+  std::vector<ListingFinding> out;
+  const auto level = levelOf("locale.unknown");
+  if (!level) return out;
+  std::string message = "'" + folder.name + "' is not a locale the store knows";
+  if (folder.suggestion) message += "; did you mean '" + *folder.suggestion + "'?";
+  std::vector<std::string> steps;
+  if (folder.suggestion) steps.push_back("Rename the folder " + folder.name + " to " + *folder.suggestion);
+  steps.push_back("If the store has added this locale, add \"" + folder.name + "\" to extra-locales in .corvane.toml");
+  out.push_back(finding("locale.unknown", *level, ListingField::name, folder.name, std::nullopt,
+                        listingVerdict(*level, message, findRule(catalog_, "locale.unknown")->reason,
+                                       manual(folder.suggestion ? "Rename it to " + *folder.suggestion : "Rename it",
+                                              "Name the folder with one of the store's locale codes",
+                                              std::move(steps)))));
+  return out;
+}
+
+std::optional<std::string> ListingRules::autoFixed(ListingField field, std::string_view text) const {
+  std::string current(text);
+  if (field == ListingField::keywords) {
+    if (levelOf("keywords.spacing")) current = withoutSpacesAroundCommas(current);
+    if (levelOf("keywords.duplicate")) current = withoutDuplicateKeywords(current);
+    if (current == trimmed(text)) current = std::string(text);  // only trimming: nothing to fix
+  }
+  const auto& about = facts_.field(field);
+  const std::string rule = std::string(fieldKey(field)) + ".length";
+  if (about.limit && levelOf(rule) &&
+      static_cast<std::int64_t>(characterCount(trimmed(current))) > *about.limit) {
+    current = field == ListingField::keywords ? trimKeywordsToLimit(current, *about.limit)
+                                              : trimToLimit(current, *about.limit);
+  }
+  if (current == text) return std::nullopt;
+  return current;
+}
+
+}  // namespace corvane::store

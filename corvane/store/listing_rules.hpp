@@ -1,0 +1,110 @@
+#pragma once
+
+#include "corvane/store/listing_configuration.hpp"
+#include "corvane/store/listing_field.hpp"
+#include "corvane/store/listing_finding.hpp"
+#include "corvane/store/listing_folder.hpp"
+#include "corvane/store/phrase_matcher.hpp"
+#include "corvane/store/rule_catalog.hpp"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace corvane::store {
+
+class StoreFacts;
+
+/// What the rules need to know beyond the texts.
+struct RuleContext {
+  /// Whether this is the app's first version (release notes are then not required); the
+  /// configuration's `first-version` wins when it is set.
+  bool firstVersion = false;
+  /// The current year, for the copyright rules.
+  int currentYear = 2026;
+};
+
+/// The catalog's rules as they apply to one locale, or to the shared files: each rule at its
+/// configured level (or off), the word lists of the locale's language with the
+/// configuration's forbidden and allowed words. Judging is const and keeps no state, so one
+/// object serves any number of texts; build it once per locale, as compiling the word lists
+/// is the expensive part.
+class ListingRules {
+ public:
+  /// The rules for `locale` (empty for the shared files, which only the configuration's
+  /// global settings reach). `facts` must outlive the object.
+  ListingRules(const StoreFacts& facts, const ListingConfiguration& configuration, std::string locale,
+               RuleContext context);
+
+  /// The locale the rules are for; empty for the shared files.
+  const std::string& locale() const { return locale_; }
+
+  /// The store's facts the rules follow.
+  const StoreFacts& facts() const { return facts_; }
+
+  /// The level `rule` has here; nothing when it is off.
+  std::optional<RuleLevel> levelOf(std::string_view rule) const;
+
+  /// Every finding of the single-field rules on `text`, the text of `field` read from
+  /// `file`, in catalog order; matches of content rules in text order.
+  std::vector<ListingFinding> judge(ListingField field, std::string_view text, const std::string& file) const;
+
+  /// The keywords that repeat a word of the name or subtitle (`keywords.repeats-name`).
+  std::vector<ListingFinding> judgeKeywordRepeats(std::string_view keywords, std::string_view name,
+                                                  std::string_view subtitle, const std::string& file) const;
+
+  /// Half a demo account (`review.demo-account`): a user name without a password or the
+  /// other way round, reported on the file that is missing.
+  std::vector<ListingFinding> judgeDemoAccount(std::string_view user, std::string_view password) const;
+
+  /// A folder named like a locale that the store does not know (`locale.unknown`).
+  std::vector<ListingFinding> judgeUnknownLocale(const UnknownLocaleFolder& folder) const;
+
+  /// `text` of `field` with every auto-fix its findings offer applied in turn (spaces around
+  /// commas, duplicate keywords, then the length limit); nothing when none applies.
+  std::optional<std::string> autoFixed(ListingField field, std::string_view text) const;
+
+ private:
+  struct ContentPhrase {
+    std::string rule;
+  };
+
+  ListingFinding finding(std::string_view rule, RuleLevel level, ListingField field, const std::string& file,
+                         std::optional<TextPosition> position, ValidationResult verdict,
+                         std::optional<std::string> fixedText = std::nullopt) const;
+  void judgeRequired(ListingField field, std::string_view text, const std::string& file,
+                     std::vector<ListingFinding>& out) const;
+  void judgeLength(ListingField field, std::string_view text, const std::string& file,
+                   std::vector<ListingFinding>& out) const;
+  void judgeKeywords(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const;
+  void judgeMissingOptional(ListingField field, std::string_view text, const std::string& file,
+                            std::vector<ListingFinding>& out) const;
+  void judgeUrl(ListingField field, std::string_view text, const std::string& file,
+                std::vector<ListingFinding>& out) const;
+  void judgeCopyright(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const;
+  void judgeCategory(ListingField field, std::string_view text, const std::string& file,
+                     std::vector<ListingFinding>& out) const;
+  void judgeContact(ListingField field, std::string_view text, const std::string& file,
+                    std::vector<ListingFinding>& out) const;
+  void judgeContent(ListingField field, std::string_view text, const std::string& file,
+                    std::vector<ListingFinding>& out) const;
+
+  const StoreFacts& facts_;
+  ListingConfiguration configuration_;
+  std::string locale_;
+  RuleContext context_;
+  std::vector<RuleInfo> catalog_;
+  PhraseMatcher content_;
+  std::vector<ContentPhrase> contentPhrases_;  // indexed like content_'s phrases
+  PhraseMatcher claims_;                       // the claim family, for name, subtitle and keywords only
+  PhraseMatcher allowed_;
+};
+
+/// The verdict of a finding at `level`: a blocker is invalid and critical with a blocker
+/// impact, a rejection risk invalid with a medium rejection risk, an optimization valid
+/// with a warning and a suboptimal impact, an opportunity valid with an opportunity impact;
+/// each with display advice to match.
+ValidationResult listingVerdict(RuleLevel level, std::string message, std::string reason, ActionGuidance guidance);
+
+}  // namespace corvane::store

@@ -1,0 +1,191 @@
+#include "corvane/store/listing_rules.hpp"
+
+#include "corvane/store/store_facts.hpp"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace corvane::store {
+namespace {
+
+using ::testing::ElementsAreArray;
+using ::testing::HasSubstr;
+
+const StoreFacts& facts() {
+  static const StoreFacts loaded = StoreFacts::load(CORVANE_STORE_RESOURCES);
+  return loaded;
+}
+
+std::vector<std::string> rulesOf(const std::vector<ListingFinding>& findings) {
+  std::vector<std::string> rules;
+  for (const auto& finding : findings) rules.push_back(finding.rule);
+  return rules;
+}
+
+ListingRules rulesFor(const std::string& locale, const ListingConfiguration& configuration = {}) {
+  return ListingRules(facts(), configuration, locale, RuleContext{.firstVersion = false, .currentYear = 2026});
+}
+
+struct Case {
+  const char* what;
+  const char* locale;
+  ListingField field;
+  std::string text;
+  std::vector<std::string> rules;  // expected, in order; empty means silent
+};
+
+TEST(ListingRulesTest, PlantedFaultsAreFoundAndNearMissesStaySilent) {
+  const std::vector<Case> cases = {
+      // required fields and lengths
+      {"empty name", "en-US", ListingField::name, " \n", {"name.required"}},
+      {"name at the limit", "en-US", ListingField::name, std::string(30, 'n'), {}},
+      {"name one over", "en-US", ListingField::name, std::string(31, 'n'), {"name.length"}},
+      {"emoji counted as characters", "en-US", ListingField::name, "Notes \U0001F469\u200D\U0001F4BB " + std::string(22, 'x'), {}},
+      {"subtitle is optional", "en-US", ListingField::subtitle, "", {"subtitle.missing"}},
+      {"description is required", "en-US", ListingField::description, "", {"description.required"}},
+      {"arabic keywords counted in characters", "ar-SA", ListingField::keywords,
+       "\u0645\u0644\u0627\u062D\u0638\u0627\u062A," + std::string(80, 'k'), {}},
+      {"release notes required for an update", "en-US", ListingField::releaseNotes, "", {"release-notes.required"}},
+      // keyword hygiene
+      {"duplicate in another case", "en-US", ListingField::keywords, "notes,lists,Notes", {"keywords.duplicate"}},
+      {"spaces around commas", "en-US", ListingField::keywords, "notes, lists ,todo list", {"keywords.spacing"}},
+      {"different keywords", "en-US", ListingField::keywords, "note,notes,notebook", {}},
+      // addresses
+      {"https address", "en-US", ListingField::supportUrl, "https://larkspur-notes.app/help", {}},
+      {"http address", "en-US", ListingField::privacyUrl, "http://larkspur-notes.app/privacy", {"url.insecure"}},
+      {"scheme in capitals", "en-US", ListingField::privacyUrl, "HTTPS://larkspur-notes.app/privacy", {}},
+      {"no host", "en-US", ListingField::supportUrl, "https://", {"url.invalid"}},
+      {"a space inside", "en-US", ListingField::supportUrl, "https://larkspur notes.app", {"url.invalid"}},
+      {"placeholder domain", "en-US", ListingField::marketingUrl, "https://www.example.com/", {"address.placeholder"}},
+      {"a URL that merely contains test", "en-US", ListingField::supportUrl, "https://larkspur-notes.app/test/help", {}},
+      // content: whole words, any letter case
+      {"another platform", "en-US", ListingField::description, "Also on ANDROID.", {"content.other-platform"}},
+      {"tizen inside Notizen", "de-DE", ListingField::name, "Corvane Notizen", {}},
+      {"placeholder text", "en-US", ListingField::promotionalText, "Lorem ipsum dolor", {"content.placeholder"}},
+      {"test as a word", "en-US", ListingField::description, "This is a test.", {"content.placeholder"}},
+      {"test inside a word", "en-US", ListingField::description, "The latest contest results.", {}},
+      {"placeholder address in text", "en-US", ListingField::description, "Mail help@example.org", {"content.placeholder"}},
+      {"future promise", "en-US", ListingField::releaseNotes, "Sync is coming soon", {"content.future-feature"}},
+      {"claim in the name", "en-US", ListingField::name, "Best Notes", {"content.claim"}},
+      {"#1 claim", "en-US", ListingField::subtitle, "The #1 notes app", {"content.claim"}},
+      {"#10 is no claim", "en-US", ListingField::subtitle, "Notes #10", {}},
+      {"claims allowed in the description", "en-US", ListingField::description, "The best way to keep notes.", {}},
+      {"German claim", "de-DE", ListingField::subtitle, "Kostenlos Notizen machen", {"content.claim"}},
+      // shared files
+      {"copyright of this year", "", ListingField::copyright, "2026 Larkspur Labs Ltd", {}},
+      {"copyright with a range", "", ListingField::copyright, "\u00A9 2019-2026 Larkspur Labs", {}},
+      {"copyright without a year", "", ListingField::copyright, "Larkspur Labs", {"copyright.year"}},
+      {"copyright in the future", "", ListingField::copyright, "2031 Larkspur Labs", {"copyright.year"}},
+      {"old copyright", "", ListingField::copyright, "2024 Larkspur Labs", {"copyright.outdated"}},
+      {"known category", "", ListingField::primaryCategory, "PRODUCTIVITY", {}},
+      {"older notation", "", ListingField::primaryCategory, "MZGenre.Productivity", {}},
+      {"unknown category", "", ListingField::primaryCategory, "PRODUCTIVE", {"category.unknown"}},
+      {"missing primary category", "", ListingField::primaryCategory, "", {"primary-category.required"}},
+      {"not an e-mail", "", ListingField::reviewEmail, "not-an-email", {"review-email.format"}},
+      {"placeholder e-mail", "", ListingField::reviewEmail, "review@example.com", {"address.placeholder"}},
+      {"real e-mail", "", ListingField::reviewEmail, "review@larkspur-notes.app", {}},
+      {"phone with country code", "", ListingField::reviewPhone, "+44 20 7946 0000", {}},
+      {"not a phone", "", ListingField::reviewPhone, "call me", {"review-phone.format"}},
+      {"review notes too long", "", ListingField::reviewNotes, std::string(4001, 'n'), {"review-notes.length"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.what);
+    const auto rules = rulesFor(c.locale);
+    const std::string file = "file.txt";
+    EXPECT_THAT(rulesOf(rules.judge(c.field, c.text, file)), ElementsAreArray(c.rules));
+  }
+}
+
+TEST(ListingRulesTest, LevelsFollowTheRuleAndTheConfiguration) {
+  const auto defaults = rulesFor("en-US");
+  const auto tooLong = defaults.judge(ListingField::name, std::string(31, 'n'), "en-US/name.txt");
+  ASSERT_EQ(tooLong.size(), 1u);
+  EXPECT_EQ(tooLong[0].level, RuleLevel::blocker);
+  EXPECT_FALSE(tooLong[0].verdict.isValid);
+  EXPECT_TRUE(tooLong[0].verdict.blocksSubmission());
+  EXPECT_EQ(tooLong[0].verdict.message, "App name: 1 character too long (31 of 30)");
+  EXPECT_EQ(tooLong[0].fixedText, std::string(30, 'n'));
+  EXPECT_EQ(tooLong[0].position, (TextPosition{1, 31}));
+
+  ListingConfiguration configuration;
+  configuration.global.levels["name.length"] = RuleLevel::optimization;
+  configuration.global.levels["content.claim"] = std::nullopt;
+  configuration.locales["de-DE"].levels["content.claim"] = RuleLevel::opportunity;
+  const auto lowered = rulesFor("en-US", configuration).judge(ListingField::name, std::string(31, 'n'), "n");
+  ASSERT_EQ(lowered.size(), 1u);
+  EXPECT_EQ(lowered[0].level, RuleLevel::optimization);
+  EXPECT_TRUE(lowered[0].verdict.isValid) << "an optimization does not fail the value";
+  EXPECT_FALSE(lowered[0].verdict.blocksSubmission());
+  EXPECT_TRUE(rulesFor("en-US", configuration).judge(ListingField::name, "Best Notes", "n").empty());
+  const auto german = rulesFor("de-DE", configuration).judge(ListingField::name, "Best Notes", "n");
+  ASSERT_EQ(german.size(), 1u);
+  EXPECT_EQ(german[0].level, RuleLevel::opportunity);
+  EXPECT_TRUE(german[0].verdict.isOpportunity());
+}
+
+TEST(ListingRulesTest, AllowedWordsSilenceAndForbiddenWordsAreFound) {
+  ListingConfiguration configuration;
+  configuration.global.words.allowed = {"Top Hat"};
+  configuration.global.words.forbidden = {"early access"};
+  const auto rules = rulesFor("en-US", configuration);
+  EXPECT_TRUE(rules.judge(ListingField::name, "Top Hat Notes", "n").empty());
+  EXPECT_THAT(rulesOf(rules.judge(ListingField::name, "Top Notes", "n")), ElementsAreArray({"content.claim"}));
+  const auto forbidden = rules.judge(ListingField::description, "Notes.\nJoin the Early  Access now", "d");
+  ASSERT_EQ(forbidden.size(), 1u);
+  EXPECT_EQ(forbidden[0].rule, "content.forbidden");
+  EXPECT_EQ(forbidden[0].position, (TextPosition{2, 10}));
+  EXPECT_THAT(forbidden[0].verdict.message, HasSubstr("'Early  Access'"));
+}
+
+TEST(ListingRulesTest, ContentMatchesReportLineAndColumnInCharacters) {
+  const auto found = rulesFor("en-US").judge(ListingField::description, "Caf\u00E9 \U0001F600 notes\nfor Android", "d");
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].position, (TextPosition{2, 5}));
+  const auto first = rulesFor("en-US").judge(ListingField::description, "\U0001F600 Android", "d");
+  ASSERT_EQ(first.size(), 1u);
+  EXPECT_EQ(first[0].position, (TextPosition{1, 3})) << "an emoji is one character";
+}
+
+TEST(ListingRulesTest, CrossFieldRules) {
+  const auto rules = rulesFor("en-US");
+  EXPECT_THAT(rulesOf(rules.judgeKeywordRepeats("notes,checklist,Corvane", "Corvane Notes", "Write it down", "k")),
+              ElementsAreArray({"keywords.repeats-name", "keywords.repeats-name"}));
+  EXPECT_TRUE(rules.judgeKeywordRepeats("notebook,checklists", "Corvane Notes", "Checklist", "k").empty())
+      << "a longer word is another keyword";
+  EXPECT_THAT(rulesOf(rules.judgeDemoAccount("reviewer", "")), ElementsAreArray({"review.demo-account"}));
+  EXPECT_EQ(rules.judgeDemoAccount("reviewer", "")[0].field, ListingField::reviewDemoPassword);
+  EXPECT_TRUE(rules.judgeDemoAccount("reviewer", "secret").empty());
+  EXPECT_TRUE(rules.judgeDemoAccount(" ", "").empty());
+}
+
+TEST(ListingRulesTest, FirstVersionNeedsNoReleaseNotes) {
+  const ListingRules first(facts(), {}, "en-US", RuleContext{.firstVersion = true, .currentYear = 2026});
+  EXPECT_TRUE(first.judge(ListingField::releaseNotes, "", "r").empty());
+  ListingConfiguration configured;
+  configured.firstVersion = true;
+  EXPECT_TRUE(rulesFor("en-US", configured).judge(ListingField::releaseNotes, "", "r").empty());
+}
+
+TEST(ListingRulesTest, AutoFixesApplyInTurn) {
+  const auto rules = rulesFor("en-US");
+  EXPECT_EQ(rules.autoFixed(ListingField::keywords, "notes , lists, Notes"), "notes,lists");
+  EXPECT_EQ(rules.autoFixed(ListingField::keywords, "notes,lists"), std::nullopt);
+  EXPECT_EQ(rules.autoFixed(ListingField::name, std::string(29, 'n') + " extra"), std::string(29, 'n'));
+  EXPECT_EQ(rules.autoFixed(ListingField::description, "fine"), std::nullopt);
+}
+
+TEST(ListingRulesTest, UnknownLocaleSuggestsTheClosestCode) {
+  const auto found = rulesFor("").judgeUnknownLocale({"en-US-x1", facts().closestLocale("en-US-x1")});
+  ASSERT_EQ(found.size(), 1u);
+  EXPECT_EQ(found[0].level, RuleLevel::blocker);
+  EXPECT_EQ(found[0].verdict.message, "'en-US-x1' is not a locale the store knows; did you mean 'en-US'?");
+  EXPECT_EQ(facts().closestLocale("en_us"), "en-US");
+  EXPECT_EQ(facts().closestLocale("pt"), "pt-BR");
+  EXPECT_EQ(facts().closestLocale("xyzzy-klingon"), std::nullopt);
+}
+
+}  // namespace
+}  // namespace corvane::store

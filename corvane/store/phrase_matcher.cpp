@@ -1,0 +1,438 @@
+#include "corvane/store/phrase_matcher.hpp"
+
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "corvane/text/characters.hpp"
+
+namespace corvane::store {
+namespace {
+
+using Byte = utf8proc_uint8_t;
+
+// Stands for an invalid byte, which is a character of its own and never a word character.
+constexpr std::int32_t kInvalidByte = -1;
+
+// The typographic apostrophe, compared as '\''.
+constexpr std::int32_t kRightSingleQuote = 0x2019;
+
+// How a character takes part in tokens. Words are runs of `letter`s or of `hangul`; each
+// `alone` character is a word of its own, for scripts written without spaces between words.
+enum class CharClass : std::uint8_t { space, letter, hangul, alone, mark, other };
+
+bool isHangul(std::int32_t c) noexcept {
+  return (c >= 0x1100 && c <= 0x11FF) || (c >= 0x3130 && c <= 0x318F) || (c >= 0xA960 && c <= 0xA97F) ||
+         (c >= 0xAC00 && c <= 0xD7FF);
+}
+
+// Han, Hiragana, Katakana, Thai, Lao, Myanmar and Khmer.
+bool isWrittenWithoutSpaces(std::int32_t c) noexcept {
+  return (c >= 0x0E00 && c <= 0x0EFF) || (c >= 0x1000 && c <= 0x109F) || (c >= 0x1780 && c <= 0x17FF) ||
+         (c >= 0x3005 && c <= 0x3007) || (c >= 0x3040 && c <= 0x30FF) || (c >= 0x31F0 && c <= 0x31FF) ||
+         (c >= 0x3400 && c <= 0x4DBF) || (c >= 0x4E00 && c <= 0x9FFF) || (c >= 0xF900 && c <= 0xFAFF) ||
+         (c >= 0xFF66 && c <= 0xFF9F) || (c >= 0x20000 && c <= 0x3FFFF);
+}
+
+constexpr std::array<CharClass, 128> kAsciiClasses = [] {
+  std::array<CharClass, 128> classes{};
+  for (std::size_t c = 0; c < classes.size(); ++c) {
+    const bool word = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+    const bool space = c == ' ' || (c >= '\t' && c <= '\r');
+    classes[c] = word ? CharClass::letter : space ? CharClass::space : CharClass::other;
+  }
+  return classes;
+}();
+
+// White space is what corvane::isWhitespaceOrNewline says it is; the test is repeated here
+// so that a character's properties are looked up once.
+CharClass classify(std::int32_t codePoint) noexcept {
+  if (codePoint < 0) return CharClass::other;
+  if (codePoint < 0x80) return kAsciiClasses[static_cast<std::size_t>(codePoint)];
+  if (codePoint == 0x85) return CharClass::space;
+  switch (utf8proc_get_property(codePoint)->category) {
+    case UTF8PROC_CATEGORY_ZS:
+    case UTF8PROC_CATEGORY_ZL:
+    case UTF8PROC_CATEGORY_ZP:
+      return CharClass::space;
+    case UTF8PROC_CATEGORY_LU:
+    case UTF8PROC_CATEGORY_LL:
+    case UTF8PROC_CATEGORY_LT:
+    case UTF8PROC_CATEGORY_LM:
+    case UTF8PROC_CATEGORY_LO:
+    case UTF8PROC_CATEGORY_ND:
+    case UTF8PROC_CATEGORY_NL:
+    case UTF8PROC_CATEGORY_NO:
+    case UTF8PROC_CATEGORY_PC:
+      if (isWrittenWithoutSpaces(codePoint)) return CharClass::alone;
+      return isHangul(codePoint) ? CharClass::hangul : CharClass::letter;
+    case UTF8PROC_CATEGORY_MN:
+    case UTF8PROC_CATEGORY_MC:
+    case UTF8PROC_CATEGORY_ME:
+      return CharClass::mark;
+    default:
+      return CharClass::other;
+  }
+}
+
+// Decodes the code point at `p` (before `end`) into `codePoint`, or kInvalidByte when the
+// byte at `p` does not start well-formed UTF-8. Returns the bytes taken, at least one.
+std::size_t decode(const Byte* p, const Byte* end, std::int32_t& codePoint) noexcept {
+  if (*p < 0x80) {
+    codePoint = *p;
+    return 1;
+  }
+  const auto length = utf8proc_iterate(p, end - p, &codePoint);
+  if (length > 0) return static_cast<std::size_t>(length);
+  codePoint = kInvalidByte;
+  return 1;
+}
+
+char lowerAscii(Byte c) noexcept {
+  return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+}
+
+// Appends the comparison form of a character: its simple lower-case mapping, with ’ as '.
+void appendKey(std::string& keys, std::int32_t codePoint, Byte raw) {
+  if (codePoint < 0) {
+    keys += static_cast<char>(raw);
+  } else if (codePoint < 0x80) {
+    keys += lowerAscii(raw);
+  } else if (codePoint == kRightSingleQuote) {
+    keys += '\'';
+  } else {
+    Byte encoded[4];
+    const auto written = utf8proc_encode_char(utf8proc_tolower(codePoint), encoded);
+    keys.append(reinterpret_cast<const char*>(encoded), static_cast<std::size_t>(written));
+  }
+}
+
+struct TextToken {
+  std::size_t offset;  // bytes of the text it covers
+  std::size_t length;
+  std::size_t keyBegin;  // its comparison form in Tokens::keys
+  std::size_t keyEnd;
+  bool spaceBefore;  // white space separates it from the token before
+  bool inLink;
+};
+
+struct Tokens {
+  std::vector<TextToken> list;
+  std::string keys;
+
+  std::string_view key(const TextToken& token) const noexcept {
+    return std::string_view(keys).substr(token.keyBegin, token.keyEnd - token.keyBegin);
+  }
+};
+
+bool startsWithWww(std::string_view text) noexcept {
+  if (text.size() < 4 || text[3] != '.') return false;
+  return std::all_of(text.begin(), text.begin() + 3, [](char c) { return c == 'w' || c == 'W'; });
+}
+
+// Opening brackets and quotes in front of a link, and closing punctuation after it. The ASCII
+// ones are told by their byte, which is all most runs need.
+constexpr std::string_view kOpeningAscii = "([<\"'";
+constexpr std::array<std::string_view, 4> kOpeningOther = {"\u2018", "\u201C", "\u00AB", "\u201E"};
+constexpr std::string_view kClosingAscii = ".,;:!?)]>\"'";
+constexpr std::array<std::string_view, 3> kClosingOther = {"\u2019", "\u201D", "\u00BB"};
+
+// The length of the opening mark that `text` starts with, 0 when there is none.
+std::size_t openingMark(std::string_view text) noexcept {
+  if (text.empty()) return 0;
+  if (static_cast<unsigned char>(text.front()) < 0x80) return kOpeningAscii.find(text.front()) != text.npos;
+  for (const auto mark : kOpeningOther) {
+    if (text.starts_with(mark)) return mark.size();
+  }
+  return 0;
+}
+
+// The length of the closing mark that `text` ends with, 0 when there is none.
+std::size_t closingMark(std::string_view text) noexcept {
+  if (text.empty()) return 0;
+  if (static_cast<unsigned char>(text.back()) < 0x80) return kClosingAscii.find(text.back()) != text.npos;
+  for (const auto mark : kClosingOther) {
+    if (text.ends_with(mark)) return mark.size();
+  }
+  return 0;
+}
+
+// Whether `link` ends in a bracket that pairs with one inside it, as in "wiki/Foo_(bar)".
+bool endsInPairedBracket(std::string_view link) noexcept {
+  const char last = link.back();
+  if (last != ')' && last != ']') return false;
+  const char opening = last == ')' ? '(' : '[';
+  return std::count(link.begin(), link.end(), opening) >= std::count(link.begin(), link.end(), last);
+}
+
+// Where the link in `run` (a run of characters without white space) begins and ends, or
+// nothing when the run is no link.
+std::optional<std::pair<std::size_t, std::size_t>> linkRange(std::string_view run) noexcept {
+  std::size_t begin = 0;
+  while (const auto length = openingMark(run.substr(begin))) begin += length;
+  auto link = run.substr(begin);
+  // Most runs are plain words and are given up before their ends are looked at.
+  if (link.find("://") == link.npos && link.find('@') == link.npos && !startsWithWww(link)) return std::nullopt;
+  while (const auto length = closingMark(link)) {
+    if (endsInPairedBracket(link)) break;
+    link.remove_suffix(length);
+  }
+  const auto at = link.find('@');
+  const bool isLink =
+      link.find("://") != link.npos || startsWithWww(link) || (at != link.npos && link.find('.', at + 1) != link.npos);
+  if (!isLink) return std::nullopt;
+  return std::pair{begin, begin + link.size()};
+}
+
+std::string linkHost(std::string_view link) {
+  if (const auto scheme = link.find("://"); scheme != std::string_view::npos) {
+    auto authority = link.substr(scheme + 3);
+    authority = authority.substr(0, authority.find_first_of("/?#"));
+    if (const auto at = authority.rfind('@'); at != std::string_view::npos) authority.remove_prefix(at + 1);
+    // An IPv6 address keeps its brackets and the colons inside them.
+    const auto portFrom = authority.starts_with('[') ? authority.find(']') : 0;
+    return lowercased(authority.substr(0, authority.find(':', portFrom)));
+  }
+  if (startsWithWww(link)) return lowercased(link.substr(0, link.find_first_of("/?#:")));
+  const auto domain = link.substr(link.rfind('@') + 1);
+  return lowercased(domain.substr(0, domain.find_first_of("/?#")));
+}
+
+// Splits `text` into tokens (see PhraseMatcher). With `markLinks`, the tokens inside web and
+// e-mail addresses are marked, found run by run as the tokens are made.
+void tokenize(std::string_view text, bool markLinks, Tokens& tokens) {
+  auto& list = tokens.list;
+  auto& keys = tokens.keys;
+  list.clear();
+  keys.clear();
+  keys.reserve(text.size());
+
+  const auto* const begin = reinterpret_cast<const Byte*>(text.data());
+  const auto* const end = begin + text.size();
+  CharClass previous = CharClass::space;  // the last character's class, marks resolved
+  bool spaceBefore = false;
+
+  // The current run of characters without white space: where it starts, its first token,
+  // and whether it may be a link (it holds ':' or '@', or a word starts with 'w' as "www."
+  // does), so that most runs skip linkRange.
+  bool inRun = false;
+  std::size_t runStart = 0;
+  std::size_t runFirstToken = 0;
+  bool mayBeLink = false;
+  const auto endRun = [&](std::size_t runEnd) {
+    if (!inRun) return;
+    inRun = false;
+    if (!markLinks || !mayBeLink) return;
+    const auto range = linkRange(text.substr(runStart, runEnd - runStart));
+    if (!range) return;
+    const auto linkBegin = runStart + range->first;
+    const auto linkEnd = runStart + range->second;
+    for (auto i = runFirstToken; i < list.size(); ++i) {
+      list[i].inLink = list[i].offset < linkEnd && list[i].offset + list[i].length > linkBegin;
+    }
+  };
+
+  for (const Byte* p = begin; p != end;) {
+    const auto offset = static_cast<std::size_t>(p - begin);
+    std::int32_t codePoint = kInvalidByte;
+    const auto length = decode(p, end, codePoint);
+    const Byte raw = *p;
+    p += length;
+    auto kind =
+        codePoint >= 0 && codePoint < 0x80 ? kAsciiClasses[static_cast<std::size_t>(codePoint)] : classify(codePoint);
+    if (kind == CharClass::space) {
+      endRun(offset);
+      spaceBefore = true;
+      previous = CharClass::space;
+      continue;
+    }
+    if (!inRun) {
+      inRun = true;
+      runStart = offset;
+      runFirstToken = list.size();
+      mayBeLink = false;
+    }
+    mayBeLink = mayBeLink || codePoint == ':' || codePoint == '@';
+    // A mark continues the character before it: it is part of a word, and after punctuation
+    // or a symbol it belongs to that token without being compared (an emoji's variation
+    // selector). Only a mark after white space starts a word.
+    if (kind == CharClass::mark) {
+      if (previous == CharClass::other) {
+        list.back().length += length;
+        continue;
+      }
+      if (previous == CharClass::space) kind = CharClass::letter;
+    }
+    const bool continues =
+        kind == CharClass::mark || ((kind == CharClass::letter || kind == CharClass::hangul) && kind == previous);
+    if (!continues) {
+      mayBeLink = mayBeLink || codePoint == 'w' || codePoint == 'W';
+      list.push_back({offset, 0, keys.size(), 0, spaceBefore, false});
+      spaceBefore = false;
+      previous = kind;
+    }
+    auto& token = list.back();
+    token.length += length;
+    appendKey(keys, codePoint, raw);
+    // The rest of an ASCII word is taken at once rather than decoded byte by byte.
+    if (previous == CharClass::letter) {
+      const Byte* wordEnd = p;
+      while (wordEnd != end && *wordEnd < 0x80 && kAsciiClasses[*wordEnd] == CharClass::letter) ++wordEnd;
+      const auto from = keys.size();
+      keys.resize(from + static_cast<std::size_t>(wordEnd - p));
+      token.length += static_cast<std::size_t>(wordEnd - p);
+      for (char* out = keys.data() + from; p != wordEnd; ++p, ++out) *out = lowerAscii(*p);
+    }
+    token.keyEnd = keys.size();
+  }
+  endRun(text.size());
+}
+
+// The bit of PhraseMatcher::firstTokenBits_ for a token's hash.
+std::pair<std::size_t, std::uint64_t> filterBit(std::size_t hash) noexcept {
+  const auto bit = (hash >> 7) % 4096;
+  return {bit / 64, std::uint64_t{1} << (bit % 64)};
+}
+
+}  // namespace
+
+// Tokens are mostly short words, so they are hashed eight bytes at a time, each step mixed by
+// a multiplication, rather than by a general-purpose string hash.
+std::size_t PhraseMatcher::KeyHash::operator()(std::string_view key) const noexcept {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
+  std::uint64_t hash = key.size() * kMultiplier;
+  const auto mix = [&](std::uint64_t chunk) {
+    hash = (hash ^ chunk) * kMultiplier;
+    hash ^= hash >> 29;
+  };
+  while (key.size() >= 8) {
+    std::uint64_t chunk = 0;
+    std::memcpy(&chunk, key.data(), 8);
+    mix(chunk);
+    key.remove_prefix(8);
+  }
+  std::uint64_t tail = 0;
+  for (std::size_t i = 0; i < key.size(); ++i) tail |= std::uint64_t{static_cast<unsigned char>(key[i])} << (8 * i);
+  mix(tail);
+  return static_cast<std::size_t>(hash);
+}
+
+TextPosition positionAt(std::string_view text, std::size_t offset) {
+  offset = std::min(offset, text.size());
+  std::int64_t line = 1;
+  std::size_t lineStart = 0;
+  for (std::size_t i = 0; i < offset; ++i) {
+    // The '\r' of "\r\n" leaves the line break to the '\n'.
+    const bool breaks = text[i] == '\n' || (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n'));
+    if (breaks) {
+      ++line;
+      lineStart = i + 1;
+    }
+  }
+  const auto column = characterCount(text.substr(lineStart, offset - lineStart)) + 1;
+  return {line, static_cast<std::int64_t>(column)};
+}
+
+std::vector<LinkSpan> findLinks(std::string_view text) {
+  std::vector<LinkSpan> links;
+  std::optional<std::size_t> runStart;
+  const auto endRun = [&](std::size_t runEnd) {
+    if (!runStart) return;
+    const auto run = text.substr(*runStart, runEnd - *runStart);
+    if (const auto range = linkRange(run)) {
+      const auto link = run.substr(range->first, range->second - range->first);
+      links.push_back({*runStart + range->first, link.size(), linkHost(link)});
+    }
+    runStart.reset();
+  };
+  const auto* const begin = reinterpret_cast<const Byte*>(text.data());
+  const auto* const end = begin + text.size();
+  for (const Byte* p = begin; p != end;) {
+    const auto offset = static_cast<std::size_t>(p - begin);
+    std::int32_t codePoint = kInvalidByte;
+    p += decode(p, end, codePoint);
+    if (classify(codePoint) == CharClass::space) {
+      endRun(offset);
+    } else if (!runStart) {
+      runStart = offset;
+    }
+  }
+  endRun(text.size());
+  return links;
+}
+
+std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
+  Tokens tokens;
+  tokenize(phrase, false, tokens);
+  if (tokens.list.empty()) return std::nullopt;
+
+  Compiled compiled{std::string(phrase), std::move(tokens.keys), {}};
+  compiled.tokens.reserve(tokens.list.size());
+  for (const auto& token : tokens.list) compiled.tokens.push_back({token.keyEnd, token.spaceBefore});
+  const auto index = phrases_.size();
+  const auto firstKey = std::string_view(compiled.keys).substr(0, compiled.tokens.front().keyEnd);
+  const auto [word, bit] = filterBit(KeyHash{}(firstKey));
+  firstTokenBits_[word] |= bit;
+  byFirstToken_[std::string(firstKey)].push_back(index);
+  phrases_.push_back(std::move(compiled));
+  return index;
+}
+
+std::vector<PhraseMatch> PhraseMatcher::findAll(std::string_view text) const {
+  std::vector<PhraseMatch> matches;
+  if (phrases_.empty() || text.empty()) return matches;
+  // Reused by every call on this thread, so that checking many short texts allocates little.
+  thread_local Tokens tokens;
+  tokenize(text, true, tokens);
+  const auto& list = tokens.list;
+
+  // Whether phrase `compiled` matches the text's tokens from `first` on.
+  const auto matchesAt = [&](const Compiled& compiled, std::size_t first) {
+    if (compiled.tokens.size() > list.size() - first) return false;
+    std::size_t keyBegin = 0;
+    for (std::size_t i = 0; i < compiled.tokens.size(); ++i) {
+      const auto& wanted = compiled.tokens[i];
+      const auto& token = list[first + i];
+      const auto wantedKey = std::string_view(compiled.keys).substr(keyBegin, wanted.keyEnd - keyBegin);
+      keyBegin = wanted.keyEnd;
+      if (token.inLink || (i > 0 && token.spaceBefore != wanted.spaceBefore) || tokens.key(token) != wantedKey) {
+        return false;
+      }
+    }
+    return true;
+  };
+
+  // The longest phrase that matches from token `first` on: its token count (0 when none
+  // matches) and index.
+  const auto longestAt = [&](std::size_t first) {
+    std::pair<std::size_t, std::size_t> best{0, 0};
+    if (list[first].inLink) return best;
+    const auto key = tokens.key(list[first]);
+    const auto [word, bit] = filterBit(KeyHash{}(key));
+    if ((firstTokenBits_[word] & bit) == 0) return best;
+    const auto found = byFirstToken_.find(key);
+    if (found == byFirstToken_.end()) return best;
+    for (const auto index : found->second) {
+      const auto length = phrases_[index].tokens.size();
+      if (length > best.first && matchesAt(phrases_[index], first)) best = {length, index};
+    }
+    return best;
+  };
+
+  for (std::size_t first = 0; first < list.size();) {
+    const auto [length, phrase] = longestAt(first);
+    if (length == 0) {
+      ++first;
+      continue;
+    }
+    const auto& last = list[first + length - 1];
+    matches.push_back({list[first].offset, last.offset + last.length - list[first].offset, phrase});
+    first += length;
+  }
+  return matches;
+}
+
+}  // namespace corvane::store

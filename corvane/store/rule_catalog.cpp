@@ -1,0 +1,93 @@
+#include "corvane/store/rule_catalog.hpp"
+
+#include "corvane/store/store_facts.hpp"
+
+#include <algorithm>
+
+namespace corvane::store {
+namespace {
+
+using enum RuleLevel;
+
+// The rules that are not derived from the fields' data, in report order.
+const std::vector<RuleInfo>& fixedRules() {
+  static const std::vector<RuleInfo> rules = {
+      {"subtitle.missing", opportunity, "The listing has a subtitle.",
+       "The subtitle is shown under the app name and is indexed for search."},
+      {"keywords.duplicate", optimization, "No keyword appears twice, in any letter case.",
+       "A keyword counts once; repeating it wastes characters of the limit."},
+      {"keywords.spacing", optimization, "No spaces around the commas between keywords.",
+       "Spaces next to commas count against the limit and add nothing to search."},
+      {"keywords.repeats-name", optimization, "No keyword repeats a word of the app name or subtitle.",
+       "Words in the name and subtitle are indexed already; repeating them wastes keyword space."},
+      {"promotional-text.missing", opportunity, "The listing has a promotional text.",
+       "Promotional text sits above the description and can change without a new version."},
+      {"marketing-url.missing", opportunity, "The listing has a marketing URL.",
+       "A marketing page tells users more than the listing can."},
+      {"url.invalid", blocker, "Every address is a complete http or https address with a host.",
+       "The store links to these pages from the product page; an address that leads nowhere is refused."},
+      {"url.insecure", rejectionRisk, "Every address uses https.",
+       "Review flags pages that are not served over a secure connection."},
+      {"address.placeholder", rejectionRisk, "No address or e-mail uses a placeholder domain such as example.com.",
+       "Placeholder addresses lead nowhere, and review checks that the links and the contact work."},
+      {"copyright.year", rejectionRisk, "The copyright line starts with a year that is not in the future.",
+       "The store shows the copyright line as written; review refuses one without a year or with a future year."},
+      {"copyright.outdated", optimization, "The copyright year is the current year.",
+       "An old year makes the app look unmaintained."},
+      {"category.unknown", blocker, "Every category file names a category the store knows.",
+       "The upload refuses a category the store does not have."},
+      {"review-phone.format", rejectionRisk, "The review contact's phone number looks like a phone number.",
+       "Review calls this number when something is unclear; a wrong one delays the review."},
+      {"review-email.format", blocker, "The review contact's e-mail address is an e-mail address.",
+       "The store refuses an address that is not an e-mail address, and review writes to it."},
+      {"review.demo-account", blocker, "The demo account has both a user name and a password, or neither.",
+       "Review signs in with the demo account; half of one cannot be used."},
+      {"content.other-platform", rejectionRisk, "No text names another mobile platform or its store.",
+       "Store review refuses metadata that mentions other platforms."},
+      {"content.placeholder", rejectionRisk, "No text holds placeholder or test text, or a placeholder address.",
+       "Store review refuses listings that look unfinished."},
+      {"content.future-feature", rejectionRisk, "No text promises features the app does not have yet.",
+       "Store review refuses metadata that describes features that are coming later."},
+      {"content.claim", rejectionRisk, "The name, subtitle and keywords make no price or ranking claim.",
+       "Store review refuses prices, promotions and rankings in the name, subtitle and keywords."},
+      {"content.profanity", rejectionRisk, "No text holds profanity.",
+       "Store review refuses objectionable language in metadata."},
+      {"content.forbidden", rejectionRisk, "No text holds a word the configuration forbids.",
+       "Your team has forbidden these words in its listing."},
+      {"locale.unknown", blocker, "Every locale folder is named with a locale code the store knows.",
+       "The upload refuses a folder that is not a store locale; its texts would never reach the store."},
+  };
+  return rules;
+}
+
+}  // namespace
+
+std::vector<RuleInfo> ruleCatalog(const StoreFacts& facts) {
+  std::vector<RuleInfo> catalog;
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
+    const auto field = static_cast<ListingField>(i);
+    const auto& about = facts.field(field);
+    const std::string key(fieldKey(field));
+    if (about.required) {
+      catalog.push_back({key + ".required", blocker, about.label + " is filled in.",
+                         field == ListingField::releaseNotes
+                             ? "An update must say what is new; only a first version may leave it empty."
+                             : "The store does not accept a submission without it."});
+    }
+    if (about.limit) {
+      const std::string limit = std::to_string(*about.limit);
+      catalog.push_back({key + ".length", blocker, about.label + " has at most " + limit + " characters.",
+                         "The store refuses a longer text; characters are counted as people see them."});
+    }
+  }
+  const auto& fixed = fixedRules();
+  catalog.insert(catalog.end(), fixed.begin(), fixed.end());
+  return catalog;
+}
+
+const RuleInfo* findRule(const std::vector<RuleInfo>& catalog, std::string_view id) {
+  const auto rule = std::ranges::find(catalog, id, &RuleInfo::id);
+  return rule == catalog.end() ? nullptr : &*rule;
+}
+
+}  // namespace corvane::store

@@ -1,0 +1,133 @@
+#include "corvane/store/store_facts.hpp"
+
+#include "corvane/resources/corvane_resources.hpp"
+#include "corvane/store/closest_match.hpp"
+#include "corvane/text/characters.hpp"
+
+#include <toml++/toml.h>
+
+#include <algorithm>
+#include <fstream>
+#include <stdexcept>
+
+namespace corvane::store {
+namespace fs = std::filesystem;
+namespace {
+
+// One entry a line; a line of "#" or starting with "# " is a comment (so "#1" is an entry);
+// blank lines and surrounding spaces are ignored.
+std::vector<std::string> readList(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) throw std::runtime_error(path.string() + ": cannot read the store's data file");
+  std::vector<std::string> entries;
+  std::string line;
+  while (std::getline(stream, line)) {
+    const auto entry = trimmed(line);
+    if (entry.empty() || entry == "#" || entry.starts_with("# ")) continue;
+    entries.emplace_back(entry);
+  }
+  return entries;
+}
+
+void readFields(const fs::path& path, std::array<FieldFacts, kFieldCount>& fields) {
+  toml::table table;
+  try {
+    table = toml::parse_file(path.string());
+  } catch (const toml::parse_error& error) {
+    throw std::runtime_error(path.string() + ": " + std::string(error.description()));
+  }
+  for (std::size_t i = 0; i < kFieldCount; ++i) {
+    const auto field = static_cast<ListingField>(i);
+    const auto* entry = table[fieldKey(field)].as_table();
+    if (entry == nullptr) throw std::runtime_error(path.string() + ": no entry for " + std::string(fieldKey(field)));
+    auto& facts = fields[i];
+    facts.label = (*entry)["label"].value_or(std::string(fieldKey(field)));
+    if (auto limit = (*entry)["limit"].value<std::int64_t>()) facts.limit = *limit;
+    facts.required = (*entry)["required"].value_or(false);
+  }
+}
+
+bool contains(const std::vector<std::string>& list, std::string_view value) {
+  return std::ranges::find(list, value) != list.end();
+}
+
+}  // namespace
+
+const StoreFacts& StoreFacts::appStore() {
+  static const StoreFacts facts = load(CorvaneResources::directory() / "store");
+  return facts;
+}
+
+StoreFacts StoreFacts::load(const fs::path& folder) {
+  StoreFacts facts;
+  readFields(folder / "app-store" / "fields.toml", facts.fields_);
+  facts.locales_ = readList(folder / "app-store" / "locales.txt");
+  facts.sharedFolders_ = readList(folder / "app-store" / "shared-folders.txt");
+  facts.categories_ = readList(folder / "app-store" / "categories.txt");
+  facts.placeholderDomains_ = readList(folder / "placeholder-domains.txt");
+  std::error_code error;
+  for (const auto& family : fs::directory_iterator(folder / "words", error)) {
+    if (!family.is_directory()) continue;
+    for (const auto& list : fs::directory_iterator(family.path())) {
+      if (list.path().extension() != ".txt") continue;
+      auto entries = readList(list.path());
+      for (auto& entry : entries) entry = lowercased(entry);
+      facts.words_[family.path().filename().string()][list.path().stem().string()] = std::move(entries);
+    }
+  }
+  if (error) throw std::runtime_error((folder / "words").string() + ": cannot read the word lists: " + error.message());
+  return facts;
+}
+
+bool StoreFacts::isLocale(std::string_view code) const {
+  return contains(locales_, code);
+}
+
+std::optional<std::string> StoreFacts::closestLocale(std::string_view name) const {
+  if (auto same = closestMatch(name, locales_, 0)) return same;  // a difference of case or '_' only
+  // Among the codes of the same language the closest wins ("en-US-x1" is "en-US", "pt" is
+  // "pt-BR"); only then any code that is close by spelling.
+  const std::string language = lowercased(name.substr(0, name.find_first_of("-_")));
+  std::vector<std::string> sameLanguage;
+  std::ranges::copy_if(locales_, std::back_inserter(sameLanguage),
+                       [&](const std::string& code) { return lowercased(languageOf(code)) == language; });
+  if (auto close = closestMatch(name, sameLanguage, name.size() + 8)) return close;
+  return closestMatch(name, locales_, 2);
+}
+
+bool StoreFacts::isSharedFolder(std::string_view name) const {
+  return contains(sharedFolders_, name);
+}
+
+bool StoreFacts::isCategory(std::string_view value) const {
+  constexpr std::string_view kGenrePrefix = "MZGenre.";
+  if (value.starts_with(kGenrePrefix)) value.remove_prefix(kGenrePrefix.size());
+  return !value.empty() && contains(categories_, value);
+}
+
+bool StoreFacts::isPlaceholderHost(std::string_view host) const {
+  return std::ranges::any_of(placeholderDomains_, [&](const std::string& domain) {
+    return host == domain || (host.ends_with(domain) && host.size() > domain.size() &&
+                              host[host.size() - domain.size() - 1] == '.');
+  });
+}
+
+std::vector<std::string> StoreFacts::words(std::string_view family, std::string_view locale) const {
+  std::vector<std::string> result;
+  const auto lists = words_.find(family);
+  if (lists == words_.end()) return result;
+  const std::string_view language = languageOf(locale);
+  std::vector<std::string_view> parts = {"all", language};
+  if (language != "en") parts.push_back("en");
+  for (const std::string_view part : parts) {
+    const auto list = lists->second.find(std::string(part));
+    if (list != lists->second.end()) result.insert(result.end(), list->second.begin(), list->second.end());
+  }
+  return result;
+}
+
+std::string_view languageOf(std::string_view locale) noexcept {
+  return locale.substr(0, locale.find('-'));
+}
+
+}  // namespace corvane::store

@@ -1,0 +1,200 @@
+#include "corvane/store/store_listing.hpp"
+
+#include "corvane/store/input_error.hpp"
+#include "corvane/store/staged_file.hpp"
+#include "corvane/store/store_facts.hpp"
+#include "corvane/text/characters.hpp"
+#include "corvane/tracking/unified_change_tracker.hpp"
+
+#include <algorithm>
+
+namespace corvane::store {
+namespace fs = std::filesystem;
+namespace {
+
+using Priority = CompletionItem::Priority;
+using ItemStatus = CompletionItem::CompletionStatus;
+
+std::int64_t charactersOf(std::string_view text) {
+  return static_cast<std::int64_t>(characterCount(trimmed(text)));
+}
+
+}  // namespace
+
+StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, ListingConfiguration configuration,
+                           RuleContext context)
+    : facts_(facts),
+      configuration_(std::move(configuration)),
+      folder_(readListingFolder(root, facts, configuration_.extraLocales)),
+      tracker_(std::make_shared<UnifiedChangeTracker>()) {
+  auto load = [&](ListingEntity& entity, auto textOf) {
+    for (const auto field : entity.fields()) {
+      const ListingText& text = textOf(field);
+      entity.setFile(field, text.source == TextSource::none && !isShared(field)
+                                ? entity.scope() + "/" + std::string(fieldFile(field))
+                                : text.file);
+      entity.setText(field, std::string(text.value()));
+    }
+    for (const auto& stored : entity.storedProperties()) stored.property->markSaved();
+  };
+  for (const auto& locale : folder_.locales) {
+    auto rules = std::make_shared<const ListingRules>(facts_, configuration_, locale.locale, context);
+    auto entity = std::make_shared<ListingEntity>(locale.locale, kLocaleFields, std::move(rules));
+    load(*entity, [&](ListingField field) -> const ListingText& { return locale.text(field); });
+    tracker_->register_(entity);
+    locales_.push_back(std::move(entity));
+  }
+  auto sharedRules = std::make_shared<const ListingRules>(facts_, configuration_, std::string(), context);
+  for (const auto& unknown : folder_.unknownLocales) {
+    auto found = sharedRules->judgeUnknownLocale(unknown);
+    folderFindings_.insert(folderFindings_.end(), found.begin(), found.end());
+  }
+  shared_ = std::make_shared<ListingEntity>("shared", kSharedFields, std::move(sharedRules));
+  load(*shared_, [&](ListingField field) -> const ListingText& { return folder_.sharedText(field); });
+  tracker_->register_(shared_);
+}
+
+StoreListing::~StoreListing() = default;
+
+const ListingText& StoreListing::source(const ListingEntity& entity, ListingField field) const {
+  if (isShared(field)) return folder_.sharedText(field);
+  const auto locale = std::ranges::find(folder_.locales, entity.scope(), &LocaleFolder::locale);
+  return locale->text(field);
+}
+
+std::vector<ListingEdit> StoreListing::plannedFixes() const {
+  std::vector<ListingEdit> edits;
+  auto plan = [&](const ListingEntity& entity, const ListingRules& rules) {
+    for (const auto field : entity.fields()) {
+      const std::string& before = entity.text(field);
+      auto after = rules.autoFixed(field, before);
+      if (!after) continue;
+      std::string action;
+      for (const auto& finding : entity.fieldFindings(field)) {
+        if (!finding.fixedText || !finding.verdict.actionGuidance) continue;
+        const auto& title = finding.verdict.actionGuidance->primaryAction.title;
+        if (action.find(title) != std::string::npos) continue;
+        action += action.empty() ? title : ", " + lowercased(title.substr(0, 1)) + title.substr(1);
+      }
+      const auto& text = source(entity, field);
+      edits.push_back(ListingEdit{.scope = entity.scope(),
+                                  .field = field,
+                                  .file = entity.file(field),
+                                  .path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path,
+                                  .action = action.empty() ? "Tidy" : action,
+                                  .before = before,
+                                  .after = *after,
+                                  .charactersBefore = charactersOf(before),
+                                  .charactersAfter = charactersOf(*after)});
+    }
+  };
+  for (const auto& locale : locales_) {
+    plan(*locale, ListingRules(facts_, configuration_, locale->scope(), RuleContext{}));
+  }
+  plan(*shared_, ListingRules(facts_, configuration_, std::string(), RuleContext{}));
+  return edits;
+}
+
+void StoreListing::apply(const ListingEdit& edit) {
+  if (edit.scope == "shared") {
+    shared_->setText(edit.field, edit.after);
+    return;
+  }
+  for (const auto& locale : locales_) {
+    if (locale->scope() == edit.scope) locale->setText(edit.field, edit.after);
+  }
+  // A text from default/ stands in for every locale that lacks the file: they all change.
+  if (source(*std::ranges::find(locales_, edit.scope, &ListingEntity::scope)->get(), edit.field).source ==
+      TextSource::defaults) {
+    for (const auto& locale : locales_) {
+      if (locale->file(edit.field) == edit.file) locale->setText(edit.field, edit.after);
+    }
+  }
+}
+
+std::vector<std::pair<fs::path, std::string>> StoreListing::pendingWrites() const {
+  std::vector<std::pair<fs::path, std::string>> writes;
+  std::vector<std::string> writers;
+  auto collect = [&](const ListingEntity& entity) {
+    for (const auto field : entity.fields()) {
+      const auto& property = entity.property(field);
+      if (!property.hasChanged()) continue;
+      const auto& text = source(entity, field);
+      const fs::path path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path;
+      std::error_code error;
+      // Through a link inside the folder the target is rewritten, so fields that share a
+      // file are found by where it really is.
+      fs::path target = fs::exists(path, error) ? fs::canonical(path, error) : path;
+      if (error) throw InputError(path.string() + ": cannot resolve: " + error.message());
+      std::string contents = text.frame.around(property.wrappedValue());
+      const auto same = std::ranges::find(writes, target, &std::pair<fs::path, std::string>::first);
+      if (same == writes.end()) {
+        writes.emplace_back(std::move(target), std::move(contents));
+        writers.push_back(path.string());
+      } else if (same->second != contents) {
+        throw InputError(path.string() + " and " + writers[static_cast<std::size_t>(same - writes.begin())] +
+                         " are the same file (" + target.string() +
+                         ") and need different changes; edit it by hand or stop sharing it");
+      }
+    }
+  };
+  for (const auto& locale : locales_) collect(*locale);
+  collect(*shared_);
+  return writes;
+}
+
+void StoreListing::writeChanges() {
+  replaceFiles(pendingWrites());
+  for (const auto& entity : tracker_->registeredEntities()) {
+    for (const auto& stored : entity->storedProperties()) {
+      if (stored.property) stored.property->markSaved();
+    }
+  }
+  tracker_->notifyChange();
+}
+
+void StoreListing::discardChanges() {
+  tracker_->discardAll();
+}
+
+std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
+                                                    const std::vector<ListingFinding>& findings) const {
+  std::vector<CompletionItem> items;
+  const bool isSharedEntity = &entity == shared_.get();
+  for (const auto field : entity.fields()) {
+    const auto& about = facts_.field(field);
+    const bool empty = trimmed(entity.text(field)).empty();
+    auto firstAt = [&](RuleLevel level) {
+      return std::ranges::find_if(findings, [&](const ListingFinding& f) { return f.field == field && f.level == level; });
+    };
+    const auto blocker = firstAt(RuleLevel::blocker);
+    const auto risk = firstAt(RuleLevel::rejectionRisk);
+    const bool anyFinding = std::ranges::any_of(findings, [&](const ListingFinding& f) { return f.field == field; });
+    if (!about.required && empty && !anyFinding) continue;
+    const bool required = about.required && !(field == ListingField::releaseNotes && blocker == findings.end() && empty);
+    const Priority priority = field == ListingField::name ? Priority::critical
+                              : required                  ? Priority::required
+                                                          : Priority::optional;
+    ItemStatus status = ItemStatus::completed();
+    std::string description = "Ready";
+    if (blocker != findings.end()) {
+      status = ItemStatus::blocked(blocker->verdict.message);
+      description = blocker->verdict.message;
+    } else if (risk != findings.end()) {
+      status = ItemStatus::inProgress();
+      description = risk->verdict.message;
+    } else if (empty) {
+      status = isRequired(priority) ? ItemStatus::missing() : ItemStatus::optional();
+      description = "Not filled in";
+    }
+    if (!isSharedEntity && source(entity, field).source == TextSource::defaults && !empty) {
+      description += " (from default/)";
+    }
+    std::string id = isSharedEntity ? std::string(fieldFile(field)) : entity.scope() + "/" + std::string(fieldFile(field));
+    items.emplace_back(std::move(id), about.label, std::move(description), std::move(status), priority,
+                       isSharedEntity ? std::string("Shared") : entity.scope());
+  }
+  return items;
+}
+
+}  // namespace corvane::store
