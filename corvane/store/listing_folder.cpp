@@ -38,7 +38,7 @@ void requireInside(const fs::path& path, const fs::path& canonicalRoot) {
 
 class Reader {
  public:
-  Reader(const fs::path& root, const fs::path& canonicalRoot) : root_(root), canonicalRoot_(canonicalRoot) {}
+  explicit Reader(const fs::path& canonicalRoot) : canonicalRoot_(canonicalRoot) {}
 
   std::uintmax_t bytesRead() const { return bytesRead_; }
 
@@ -96,7 +96,6 @@ class Reader {
     return text;
   }
 
-  const fs::path& root_;
   const fs::path& canonicalRoot_;
   std::uintmax_t bytesRead_ = 0;
 };
@@ -138,7 +137,7 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts, s
   }
   const fs::path canonicalRoot = fs::canonical(root, error);
   if (error) throw InputError(root.string() + ": cannot open folder: " + error.message());
-  Reader reader(root, canonicalRoot);
+  Reader reader(canonicalRoot);
 
   ListingFolder listing{.root = root, .locales = {}, .unknownLocales = {}, .shared = {}, .bytesRead = 0};
   std::vector<std::string> localeNames;
