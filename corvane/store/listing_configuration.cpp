@@ -67,7 +67,10 @@ namespace {
 constexpr std::string_view kLevelChoices = "off, blocker, rejection-risk, optimization or opportunity";
 
 std::string singleQuoted(std::string_view name) {
-  return "'" + std::string(name) + "'";
+  std::string quoted;
+  quoted.reserve(name.size() + 2);
+  quoted.append(1, '\'').append(name).append(1, '\'');
+  return quoted;
 }
 
 // One segment of a dotted key path, quoted as TOML requires when it is not a bare key.

@@ -67,7 +67,7 @@ void ListingEntity::discardChanges() {
 
 std::vector<TrackableEntity::StoredProperty> ListingEntity::storedProperties() {
   std::vector<StoredProperty> result;
-  for (auto& s : slots_) result.push_back({"_" + std::string(fieldKey(s.field)), s.property.get()});
+  for (auto& s : slots_) result.push_back({std::string(1, '_').append(fieldKey(s.field)), s.property.get()});
   return result;
 }
 

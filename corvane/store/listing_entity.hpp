@@ -51,6 +51,8 @@ class ListingEntity final : public TrackableEntity {
   std::span<const ListingField> fields() const { return fields_; }
   /// Whether the entity holds `field`.
   bool holds(ListingField field) const;
+  /// The rules the fields are judged by.
+  const ListingRules& rules() const { return *rules_; }
 
   /// The tracked property of `field`, for binding screens. `field` must be held.
   Tracked<std::string>& property(ListingField field);

@@ -7,10 +7,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <system_error>
+#include <utility>
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace corvane::store {
 namespace fs = std::filesystem;
@@ -36,6 +38,27 @@ void requireInside(const fs::path& path, const fs::path& canonicalRoot) {
   }
 }
 
+// An open file, closed when the handle goes.
+class FileHandle {
+ public:
+  explicit FileHandle(int descriptor) noexcept : descriptor_(descriptor) {}
+  FileHandle(const FileHandle&) = delete;
+  FileHandle& operator=(const FileHandle&) = delete;
+  FileHandle& operator=(FileHandle&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+  }
+  ~FileHandle() {
+    if (descriptor_ >= 0) ::close(descriptor_);
+  }
+
+  explicit operator bool() const noexcept { return descriptor_ >= 0; }
+  int get() const noexcept { return descriptor_; }
+
+ private:
+  int descriptor_;
+};
+
 class Reader {
  public:
   explicit Reader(const fs::path& canonicalRoot) : canonicalRoot_(canonicalRoot) {}
@@ -49,18 +72,24 @@ class Reader {
     ListingText result{.text = std::nullopt, .frame = {}, .path = folder / relative, .file = file,
                        .source = TextSource::none};
     const fs::path& path = result.path;
-    // One lstat answers most files: present, not a link, regular, and its size.
-    struct stat info {};
-    if (::lstat(path.c_str(), &info) != 0) {
+    // Opened without following a final link, so that one open answers most files; a link
+    // is followed only once it is known to stay inside the root. Non-blocking, so that a
+    // named pipe is refused rather than waited on.
+    constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+    FileHandle handle(::open(path.c_str(), kFlags | O_NOFOLLOW));
+    if (!handle) {
       if (errno == ENOENT || errno == ENOTDIR) return result;
-      throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
-    }
-    if (S_ISLNK(info.st_mode) || parentIsLink) {
+      if (errno != ELOOP) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
       requireInside(path, canonicalRoot_);
-      if (::stat(path.c_str(), &info) != 0) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
+      handle = FileHandle(::open(path.c_str(), kFlags));
+      if (!handle) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
+    } else if (parentIsLink) {
+      requireInside(path, canonicalRoot_);
     }
+    struct stat info {};
+    if (::fstat(handle.get(), &info) != 0) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
     if (!S_ISREG(info.st_mode)) throw InputError(path.string() + ": not a regular file");
-    std::string text = contents(path, static_cast<std::uintmax_t>(info.st_size));
+    std::string text = contents(handle, path, static_cast<std::uintmax_t>(info.st_size));
     result.frame = unframe(text);
     result.text = std::move(text);
     result.source = TextSource::own;
@@ -78,16 +107,18 @@ class Reader {
   }
 
  private:
-  std::string contents(const fs::path& path, std::uintmax_t size) {
+  std::string contents(const FileHandle& file, const fs::path& path, std::uintmax_t size) {
     if (size > kMaxFileSize) {
       throw InputError(path.string() + ": file is " + std::to_string(size) + " bytes, more than the 1 MiB allowed");
     }
-    std::ifstream stream(path, std::ios::binary);
-    if (!stream) throw InputError(path.string() + ": cannot open for reading");
     std::string text(static_cast<std::size_t>(size), '\0');
-    stream.read(text.data(), static_cast<std::streamsize>(text.size()));
-    if (stream.gcount() != static_cast<std::streamsize>(text.size())) {
-      throw InputError(path.string() + ": cannot read the whole file");
+    std::size_t done = 0;
+    while (done < text.size()) {
+      const auto got = ::read(file.get(), text.data() + done, text.size() - done);
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
+      if (got == 0) throw InputError(path.string() + ": cannot read the whole file");
+      done += static_cast<std::size_t>(got);
     }
     bytesRead_ += text.size();
     if (auto offset = firstInvalidUtf8Offset(text)) {

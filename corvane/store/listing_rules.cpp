@@ -164,27 +164,77 @@ ValidationResult listingVerdict(RuleLevel level, std::string message, std::strin
       DisplayBehavior{.timing = DisplayTiming::onFocus(), .priority = 100, .style = DisplayStyle::info});
 }
 
+// The compiled word lists of one set of rules: the content families that are on, the
+// configured forbidden words, the claim family and the allow-list.
+struct CompiledWordLists {
+  PhraseMatcher content;
+  std::vector<std::string> contentRules;  // the rule of each of content's phrases
+  PhraseMatcher claims;                   // the claim family, for name, subtitle and keywords only
+  PhraseMatcher allowed;
+};
+
+RuleCache::RuleCache() = default;
+RuleCache::~RuleCache() = default;
+
+std::shared_ptr<const std::vector<RuleInfo>> RuleCache::catalogFor(const StoreFacts& facts) {
+  if (facts_ != &facts || !catalog_) {
+    catalog_ = std::make_shared<const std::vector<RuleInfo>>(ruleCatalog(facts));
+    facts_ = &facts;
+  }
+  return catalog_;
+}
+
+ListingRules::~ListingRules() = default;
+
 ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& configuration, std::string locale,
-                           RuleContext context)
+                           RuleContext context, RuleCache* cache)
     : facts_(facts),
       configuration_(configuration),
       locale_(std::move(locale)),
       context_(context),
-      catalog_(ruleCatalog(facts)) {
+      catalogShared_(cache == nullptr ? std::make_shared<const std::vector<RuleInfo>>(ruleCatalog(facts))
+                                      : cache->catalogFor(facts)),
+      catalog_(*catalogShared_) {
   if (configuration_.firstVersion) context_.firstVersion = *configuration_.firstVersion;
-  if (locale_.empty()) return;  // the shared files hold no store text
-  auto addWords = [this](PhraseMatcher& matcher, const std::vector<std::string>& words, std::string_view rule) {
+  if (locale_.empty()) {
+    words_ = std::make_shared<const CompiledWordLists>();
+    return;
+  }  // the shared files hold no store text
+
+  // The family lists depend on the language only; what else decides the words goes into
+  // the key, so that two locales share lists exactly when they would compile the same.
+  const auto settings = configuration_.wordsFor(locale_);
+  std::string key = fmt::format("{}\n{}\n", static_cast<const void*>(&facts_), languageOf(locale_));
+  for (const auto& [family, rule] : kContentFamilies) key += levelOf(rule) ? '1' : '0';
+  key += levelOf("content.forbidden") ? '1' : '0';
+  key += levelOf("content.claim") ? '1' : '0';
+  for (const auto* list : {&settings.forbidden, &settings.allowed}) {
+    key += '\n';
+    for (const auto& word : *list) key.append(word).append(1, '\0');
+  }
+  if (cache != nullptr) {
+    if (const auto found = cache->wordLists_.find(key); found != cache->wordLists_.end()) {
+      words_ = found->second;
+      return;
+    }
+  }
+
+  auto compiled = std::make_shared<CompiledWordLists>();
+  auto addContent = [&](const std::vector<std::string>& words, std::string_view rule) {
     for (const auto& word : words) {
-      if (matcher.add(word) && &matcher == &content_) contentPhrases_.push_back({std::string(rule)});
+      if (compiled->content.add(word)) compiled->contentRules.emplace_back(rule);
     }
   };
   for (const auto& [family, rule] : kContentFamilies) {
-    if (levelOf(rule)) addWords(content_, facts_.words(family, locale_), rule);
+    if (levelOf(rule)) addContent(facts_.words(family, locale_), rule);
   }
-  const auto words = configuration_.wordsFor(locale_);
-  if (levelOf("content.forbidden")) addWords(content_, words.forbidden, "content.forbidden");
-  if (levelOf("content.claim")) addWords(claims_, facts_.words("claim", locale_), "content.claim");
-  addWords(allowed_, words.allowed, "");
+  if (levelOf("content.forbidden")) addContent(settings.forbidden, "content.forbidden");
+  if (levelOf("content.claim")) {
+    for (const auto& word : facts_.words("claim", locale_)) compiled->claims.add(word);
+  }
+  for (const auto& word : settings.allowed) compiled->allowed.add(word);
+  words_ = compiled;
+  if (cache != nullptr) cache->wordLists_.emplace(std::move(key), std::move(compiled));
 }
 
 std::optional<RuleLevel> ListingRules::levelOf(std::string_view rule) const {
@@ -316,7 +366,7 @@ void ListingRules::judgeKeywords(std::string_view text, const std::string& file,
         seen.push_back(std::move(lower));
         continue;
       }
-      const std::string quoted = "'" + std::string(keyword.text) + "'";
+      const std::string quoted = fmt::format("'{}'", keyword.text);
       out.push_back(finding(
           "keywords.duplicate", *level, field, file, positionAt(text, keyword.offset),
           listingVerdict(*level, "Keyword " + quoted + " appears twice", findRule(catalog_, "keywords.duplicate")->reason,
@@ -378,7 +428,7 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
   for (const auto& match : matcher.findAll(subtitle)) inSubtitle[spanOf[match.phrase]] = true;
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (!inName[i] && !inSubtitle[i]) continue;
-    const std::string quoted = "'" + std::string(spans[i].text) + "'";
+    const std::string quoted = fmt::format("'{}'", spans[i].text);
     const std::string where = inName[i] ? "app name" : "subtitle";
     out.push_back(finding("keywords.repeats-name", *level, ListingField::keywords, file,
                           positionAt(keywords, spans[i].offset),
@@ -471,7 +521,7 @@ void ListingRules::judgeCategory(ListingField field, std::string_view text, cons
   if (facts_.isCategory(value)) return;
   const auto level = levelOf("category.unknown");
   if (!level) return;
-  std::string message = "'" + std::string(value) + "' is not a category the store knows";
+  std::string message = fmt::format("'{}' is not a category the store knows", value);
   const auto suggestion = closestMatch(value, facts_.categories(), 3);
   if (suggestion) message += "; did you mean '" + *suggestion + "'?";
   out.push_back(finding("category.unknown", *level, field, file, TextPosition{1, 1},
@@ -523,9 +573,10 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
                                 std::vector<ListingFinding>& out) const {
   const bool claimsApply =
       field == ListingField::name || field == ListingField::subtitle || field == ListingField::keywords;
-  if (content_.empty() && (!claimsApply || claims_.empty()) && !levelOf("content.placeholder")) return;
+  if (words_->content.empty() && (!claimsApply || words_->claims.empty()) && !levelOf("content.placeholder")) return;
   const std::string label = facts_.field(field).label;
-  const auto allowedMatches = allowed_.empty() ? std::vector<PhraseMatch>() : allowed_.findAll(text);
+  const TokenizedText tokens(text);
+  const auto allowedMatches = words_->allowed.findAll(tokens);
   auto isAllowed = [&](const PhraseMatch& match) {
     return std::ranges::any_of(allowedMatches, [&](const PhraseMatch& allowed) {
       return allowed.offset <= match.offset && match.offset + match.length <= allowed.offset + allowed.length;
@@ -537,16 +588,16 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
     std::string rule;
   };
   std::vector<Hit> hits;
-  for (const auto& match : content_.findAll(text)) {
-    if (!isAllowed(match)) hits.push_back({match.offset, match.length, contentPhrases_[match.phrase].rule});
+  for (const auto& match : words_->content.findAll(tokens)) {
+    if (!isAllowed(match)) hits.push_back({match.offset, match.length, words_->contentRules[match.phrase]});
   }
   if (claimsApply) {
-    for (const auto& match : claims_.findAll(text)) {
+    for (const auto& match : words_->claims.findAll(tokens)) {
       if (!isAllowed(match)) hits.push_back({match.offset, match.length, "content.claim"});
     }
   }
   if (levelOf("content.placeholder")) {
-    for (const auto& link : findLinks(text)) {
+    for (const auto& link : tokens.links()) {
       if (facts_.isPlaceholderHost(link.host)) hits.push_back({link.offset, link.length, "content.placeholder"});
     }
   }
@@ -558,7 +609,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       if (hit.rule != rule.id) continue;
       const auto level = levelOf(hit.rule);
       if (!level) continue;
-      const std::string quoted = "'" + std::string(text.substr(hit.offset, hit.length)) + "'";
+      const std::string quoted = fmt::format("'{}'", text.substr(hit.offset, hit.length));
       std::string message;
       if (hit.rule == "content.other-platform") message = label + " mentions another platform: " + quoted;
       if (hit.rule == "content.placeholder") message = label + " holds placeholder text: " + quoted;
@@ -601,7 +652,7 @@ std::vector<ListingFinding> ListingRules::judgeUnknownLocale(const UnknownLocale
   std::vector<ListingFinding> out;
   const auto level = levelOf("locale.unknown");
   if (!level) return out;
-  std::string message = "'" + folder.name + "' is not a locale the store knows";
+  std::string message = fmt::format("'{}' is not a locale the store knows", folder.name);
   if (folder.suggestion) message += "; did you mean '" + *folder.suggestion + "'?";
   std::vector<std::string> steps;
   if (folder.suggestion) steps.push_back("Rename the folder " + folder.name + " to " + *folder.suggestion);

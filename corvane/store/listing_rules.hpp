@@ -7,14 +7,37 @@
 #include "corvane/store/phrase_matcher.hpp"
 #include "corvane/store/rule_catalog.hpp"
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace corvane::store {
 
 class StoreFacts;
+struct CompiledWordLists;
+
+/// What the rules of a listing's locales can share, built once: the rule catalog, and the
+/// word lists compiled for matching, which the locales that use the same words (those of
+/// one language, as a rule) share, since compiling them is the expensive part of building
+/// rules. Give one to every `ListingRules` of a listing; not safe to share between threads.
+class RuleCache {
+ public:
+  RuleCache();
+  ~RuleCache();
+  RuleCache(const RuleCache&) = delete;
+  RuleCache& operator=(const RuleCache&) = delete;
+
+ private:
+  friend class ListingRules;
+  std::shared_ptr<const std::vector<RuleInfo>> catalogFor(const StoreFacts& facts);
+
+  const StoreFacts* facts_ = nullptr;  // the facts the catalog was built from
+  std::shared_ptr<const std::vector<RuleInfo>> catalog_;
+  std::unordered_map<std::string, std::shared_ptr<const CompiledWordLists>> wordLists_;
+};
 
 /// What the rules need to know beyond the texts.
 struct RuleContext {
@@ -33,9 +56,11 @@ struct RuleContext {
 class ListingRules {
  public:
   /// The rules for `locale` (empty for the shared files, which only the configuration's
-  /// global settings reach). `facts` must outlive the object.
+  /// global settings reach). `facts` must outlive the object. With a `cache`, what was built
+  /// before for the same facts and words is reused.
   ListingRules(const StoreFacts& facts, const ListingConfiguration& configuration, std::string locale,
-               RuleContext context);
+               RuleContext context, RuleCache* cache = nullptr);
+  ~ListingRules();
 
   /// The locale the rules are for; empty for the shared files.
   const std::string& locale() const { return locale_; }
@@ -66,10 +91,6 @@ class ListingRules {
   std::optional<std::string> autoFixed(ListingField field, std::string_view text) const;
 
  private:
-  struct ContentPhrase {
-    std::string rule;
-  };
-
   ListingFinding finding(std::string_view rule, RuleLevel level, ListingField field, const std::string& file,
                          std::optional<TextPosition> position, ValidationResult verdict,
                          std::optional<std::string> fixedText = std::nullopt) const;
@@ -94,11 +115,9 @@ class ListingRules {
   ListingConfiguration configuration_;
   std::string locale_;
   RuleContext context_;
-  std::vector<RuleInfo> catalog_;
-  PhraseMatcher content_;
-  std::vector<ContentPhrase> contentPhrases_;  // indexed like content_'s phrases
-  PhraseMatcher claims_;                       // the claim family, for name, subtitle and keywords only
-  PhraseMatcher allowed_;
+  std::shared_ptr<const std::vector<RuleInfo>> catalogShared_;
+  const std::vector<RuleInfo>& catalog_;  // *catalogShared_
+  std::shared_ptr<const CompiledWordLists> words_;
 };
 
 /// The verdict of a finding at `level`: a blocker is invalid and critical with a blocker

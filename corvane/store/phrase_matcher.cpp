@@ -110,24 +110,6 @@ void appendKey(std::string& keys, std::int32_t codePoint, Byte raw) {
   }
 }
 
-struct TextToken {
-  std::size_t offset;  // bytes of the text it covers
-  std::size_t length;
-  std::size_t keyBegin;  // its comparison form in Tokens::keys
-  std::size_t keyEnd;
-  bool spaceBefore;  // white space separates it from the token before
-  bool inLink;
-};
-
-struct Tokens {
-  std::vector<TextToken> list;
-  std::string keys;
-
-  std::string_view key(const TextToken& token) const noexcept {
-    return std::string_view(keys).substr(token.keyBegin, token.keyEnd - token.keyBegin);
-  }
-};
-
 bool startsWithWww(std::string_view text) noexcept {
   if (text.size() < 4 || text[3] != '.') return false;
   return std::all_of(text.begin(), text.begin() + 3, [](char c) { return c == 'w' || c == 'W'; });
@@ -201,13 +183,48 @@ std::string linkHost(std::string_view link) {
   return lowercased(domain.substr(0, domain.find_first_of("/?#")));
 }
 
-// Splits `text` into tokens (see PhraseMatcher). With `markLinks`, the tokens inside web and
-// e-mail addresses are marked, found run by run as the tokens are made.
-void tokenize(std::string_view text, bool markLinks, Tokens& tokens) {
-  auto& list = tokens.list;
-  auto& keys = tokens.keys;
+// The bit of PhraseMatcher::firstTokenBits_ for a token's hash.
+std::pair<std::size_t, std::uint64_t> filterBit(std::size_t hash) noexcept {
+  const auto bit = (hash >> 7) % 4096;
+  return {bit / 64, std::uint64_t{1} << (bit % 64)};
+}
+
+// Tokens are mostly short words, so they are hashed eight bytes at a time, each step mixed by
+// a multiplication, rather than by a general-purpose string hash.
+std::size_t hashKey(std::string_view key) noexcept {
+  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
+  std::uint64_t hash = key.size() * kMultiplier;
+  const auto mix = [&](std::uint64_t chunk) {
+    hash = (hash ^ chunk) * kMultiplier;
+    hash ^= hash >> 29;
+  };
+  while (key.size() >= 8) {
+    std::uint64_t chunk = 0;
+    std::memcpy(&chunk, key.data(), 8);
+    mix(chunk);
+    key.remove_prefix(8);
+  }
+  std::uint64_t tail = 0;
+  for (std::size_t i = 0; i < key.size(); ++i) tail |= std::uint64_t{static_cast<unsigned char>(key[i])} << (8 * i);
+  mix(tail);
+  return static_cast<std::size_t>(hash);
+}
+
+}  // namespace
+
+void TokenizedText::assign(std::string_view text) {
+  split(text, true);
+}
+
+// Splits `text` into tokens (see PhraseMatcher). With `findLinks`, the web and e-mail
+// addresses are found run by run as the tokens are made, and the tokens inside them marked.
+void TokenizedText::split(std::string_view text, bool findLinks) {
+  text_ = text;
+  auto& list = tokens_;
+  auto& keys = keys_;
   list.clear();
   keys.clear();
+  links_.clear();
   keys.reserve(text.size());
 
   const auto* const begin = reinterpret_cast<const Byte*>(text.data());
@@ -225,18 +242,57 @@ void tokenize(std::string_view text, bool markLinks, Tokens& tokens) {
   const auto endRun = [&](std::size_t runEnd) {
     if (!inRun) return;
     inRun = false;
-    if (!markLinks || !mayBeLink) return;
-    const auto range = linkRange(text.substr(runStart, runEnd - runStart));
+    if (!findLinks || !mayBeLink) return;
+    const auto run = text.substr(runStart, runEnd - runStart);
+    const auto range = linkRange(run);
     if (!range) return;
     const auto linkBegin = runStart + range->first;
     const auto linkEnd = runStart + range->second;
+    links_.push_back({linkBegin, linkEnd - linkBegin, linkHost(text.substr(linkBegin, linkEnd - linkBegin))});
     for (auto i = runFirstToken; i < list.size(); ++i) {
       list[i].inLink = list[i].offset < linkEnd && list[i].offset + list[i].length > linkBegin;
     }
   };
+  const auto startRun = [&](std::size_t offset) {
+    if (inRun) return;
+    inRun = true;
+    runStart = offset;
+    runFirstToken = list.size();
+    mayBeLink = false;
+  };
 
   for (const Byte* p = begin; p != end;) {
     const auto offset = static_cast<std::size_t>(p - begin);
+    // Most text is ASCII: white space and whole words are taken here at once, and only the
+    // rest is decoded character by character below.
+    if (*p < 0x80 && kAsciiClasses[*p] == CharClass::space) {
+      endRun(offset);
+      spaceBefore = true;
+      previous = CharClass::space;
+      ++p;
+      continue;
+    }
+    if (*p < 0x80 && kAsciiClasses[*p] == CharClass::letter) {
+      const Byte* wordEnd = p + 1;
+      while (wordEnd != end && *wordEnd < 0x80 && kAsciiClasses[*wordEnd] == CharClass::letter) ++wordEnd;
+      startRun(offset);
+      // ASCII letters after other letters of a word ("café" then "s") continue it.
+      if (previous != CharClass::letter) {
+        mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
+        list.push_back({offset, 0, keys.size(), 0, spaceBefore, false});
+        spaceBefore = false;
+        previous = CharClass::letter;
+      }
+      const auto length = static_cast<std::size_t>(wordEnd - p);
+      const auto from = keys.size();
+      keys.append(reinterpret_cast<const char*>(p), length);
+      for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
+      auto& token = list.back();
+      token.length += length;
+      token.keyEnd = keys.size();
+      p = wordEnd;
+      continue;
+    }
     std::int32_t codePoint = kInvalidByte;
     const auto length = decode(p, end, codePoint);
     const Byte raw = *p;
@@ -249,12 +305,7 @@ void tokenize(std::string_view text, bool markLinks, Tokens& tokens) {
       previous = CharClass::space;
       continue;
     }
-    if (!inRun) {
-      inRun = true;
-      runStart = offset;
-      runFirstToken = list.size();
-      mayBeLink = false;
-    }
+    startRun(offset);
     mayBeLink = mayBeLink || codePoint == ':' || codePoint == '@';
     // A mark continues the character before it: it is part of a word, and after punctuation
     // or a symbol it belongs to that token without being compared (an emoji's variation
@@ -277,47 +328,9 @@ void tokenize(std::string_view text, bool markLinks, Tokens& tokens) {
     auto& token = list.back();
     token.length += length;
     appendKey(keys, codePoint, raw);
-    // The rest of an ASCII word is taken at once rather than decoded byte by byte.
-    if (previous == CharClass::letter) {
-      const Byte* wordEnd = p;
-      while (wordEnd != end && *wordEnd < 0x80 && kAsciiClasses[*wordEnd] == CharClass::letter) ++wordEnd;
-      const auto from = keys.size();
-      keys.resize(from + static_cast<std::size_t>(wordEnd - p));
-      token.length += static_cast<std::size_t>(wordEnd - p);
-      for (char* out = keys.data() + from; p != wordEnd; ++p, ++out) *out = lowerAscii(*p);
-    }
     token.keyEnd = keys.size();
   }
   endRun(text.size());
-}
-
-// The bit of PhraseMatcher::firstTokenBits_ for a token's hash.
-std::pair<std::size_t, std::uint64_t> filterBit(std::size_t hash) noexcept {
-  const auto bit = (hash >> 7) % 4096;
-  return {bit / 64, std::uint64_t{1} << (bit % 64)};
-}
-
-}  // namespace
-
-// Tokens are mostly short words, so they are hashed eight bytes at a time, each step mixed by
-// a multiplication, rather than by a general-purpose string hash.
-std::size_t PhraseMatcher::KeyHash::operator()(std::string_view key) const noexcept {
-  constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15u;
-  std::uint64_t hash = key.size() * kMultiplier;
-  const auto mix = [&](std::uint64_t chunk) {
-    hash = (hash ^ chunk) * kMultiplier;
-    hash ^= hash >> 29;
-  };
-  while (key.size() >= 8) {
-    std::uint64_t chunk = 0;
-    std::memcpy(&chunk, key.data(), 8);
-    mix(chunk);
-    key.remove_prefix(8);
-  }
-  std::uint64_t tail = 0;
-  for (std::size_t i = 0; i < key.size(); ++i) tail |= std::uint64_t{static_cast<unsigned char>(key[i])} << (8 * i);
-  mix(tail);
-  return static_cast<std::size_t>(hash);
 }
 
 TextPosition positionAt(std::string_view text, std::size_t offset) {
@@ -337,87 +350,116 @@ TextPosition positionAt(std::string_view text, std::size_t offset) {
 }
 
 std::vector<LinkSpan> findLinks(std::string_view text) {
-  std::vector<LinkSpan> links;
-  std::optional<std::size_t> runStart;
-  const auto endRun = [&](std::size_t runEnd) {
-    if (!runStart) return;
-    const auto run = text.substr(*runStart, runEnd - *runStart);
-    if (const auto range = linkRange(run)) {
-      const auto link = run.substr(range->first, range->second - range->first);
-      links.push_back({*runStart + range->first, link.size(), linkHost(link)});
-    }
-    runStart.reset();
-  };
-  const auto* const begin = reinterpret_cast<const Byte*>(text.data());
-  const auto* const end = begin + text.size();
-  for (const Byte* p = begin; p != end;) {
-    const auto offset = static_cast<std::size_t>(p - begin);
-    std::int32_t codePoint = kInvalidByte;
-    p += decode(p, end, codePoint);
-    if (classify(codePoint) == CharClass::space) {
-      endRun(offset);
-    } else if (!runStart) {
-      runStart = offset;
-    }
+  return TokenizedText(text).links();
+}
+
+std::string_view PhraseMatcher::phrase(std::size_t index) const {
+  const auto& entry = phrases_.at(index);
+  return std::string_view(texts_).substr(entry.textBegin, entry.textEnd - entry.textBegin);
+}
+
+std::string_view PhraseMatcher::firstKey(const Phrase& phrase) const noexcept {
+  return std::string_view(keys_).substr(phrase.keyBegin, tokens_[phrase.tokenBegin].keyEnd - phrase.keyBegin);
+}
+
+std::size_t PhraseMatcher::slotOf(std::string_view key, std::size_t hash) const noexcept {
+  const auto mask = firstPhrase_.size() - 1;
+  for (auto slot = hash & mask;; slot = (slot + 1) & mask) {
+    if (firstPhrase_[slot] == kNone || firstKey(phrases_[firstPhrase_[slot]]) == key) return slot;
   }
-  endRun(text.size());
-  return links;
+}
+
+// Doubles the table (from 16 slots), keeping it at most half full so that probes stay short.
+void PhraseMatcher::grow() {
+  std::vector<std::size_t> first(std::max<std::size_t>(16, firstPhrase_.size() * 2), kNone);
+  std::vector<std::size_t> last(first.size(), kNone);
+  first.swap(firstPhrase_);
+  last.swap(lastPhrase_);
+  for (std::size_t slot = 0; slot < first.size(); ++slot) {
+    if (first[slot] == kNone) continue;
+    const auto key = firstKey(phrases_[first[slot]]);
+    const auto to = slotOf(key, hashKey(key));
+    firstPhrase_[to] = first[slot];
+    lastPhrase_[to] = last[slot];
+  }
 }
 
 std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
-  Tokens tokens;
-  tokenize(phrase, false, tokens);
-  if (tokens.list.empty()) return std::nullopt;
+  // Reused by every call on this thread, so that compiling a list allocates little.
+  thread_local TokenizedText split;
+  split.split(phrase, false);
+  if (split.tokens_.empty()) return std::nullopt;
 
-  Compiled compiled{std::string(phrase), std::move(tokens.keys), {}};
-  compiled.tokens.reserve(tokens.list.size());
-  for (const auto& token : tokens.list) compiled.tokens.push_back({token.keyEnd, token.spaceBefore});
   const auto index = phrases_.size();
-  const auto firstKey = std::string_view(compiled.keys).substr(0, compiled.tokens.front().keyEnd);
-  const auto [word, bit] = filterBit(KeyHash{}(firstKey));
+  Phrase entry{.textBegin = texts_.size(),
+               .textEnd = texts_.size() + phrase.size(),
+               .keyBegin = keys_.size(),
+               .tokenBegin = tokens_.size(),
+               .tokenEnd = tokens_.size() + split.tokens_.size(),
+               .next = kNone};
+  texts_.append(phrase);
+  for (const auto& token : split.tokens_) {
+    keys_.append(split.key(token));
+    tokens_.push_back({keys_.size(), token.spaceBefore});
+  }
+  phrases_.push_back(entry);
+
+  if (2 * (firstTokens_ + 1) > firstPhrase_.size()) grow();
+  const auto key = firstKey(entry);
+  const auto hash = hashKey(key);
+  const auto [word, bit] = filterBit(hash);
   firstTokenBits_[word] |= bit;
-  byFirstToken_[std::string(firstKey)].push_back(index);
-  phrases_.push_back(std::move(compiled));
+  const auto slot = slotOf(key, hash);
+  if (firstPhrase_[slot] == kNone) {
+    firstPhrase_[slot] = index;
+    ++firstTokens_;
+  } else {
+    phrases_[lastPhrase_[slot]].next = index;
+  }
+  lastPhrase_[slot] = index;
   return index;
 }
 
-std::vector<PhraseMatch> PhraseMatcher::findAll(std::string_view text) const {
-  std::vector<PhraseMatch> matches;
-  if (phrases_.empty() || text.empty()) return matches;
-  // Reused by every call on this thread, so that checking many short texts allocates little.
-  thread_local Tokens tokens;
-  tokenize(text, true, tokens);
-  const auto& list = tokens.list;
-
-  // Whether phrase `compiled` matches the text's tokens from `first` on.
-  const auto matchesAt = [&](const Compiled& compiled, std::size_t first) {
-    if (compiled.tokens.size() > list.size() - first) return false;
-    std::size_t keyBegin = 0;
-    for (std::size_t i = 0; i < compiled.tokens.size(); ++i) {
-      const auto& wanted = compiled.tokens[i];
-      const auto& token = list[first + i];
-      const auto wantedKey = std::string_view(compiled.keys).substr(keyBegin, wanted.keyEnd - keyBegin);
-      keyBegin = wanted.keyEnd;
-      if (token.inLink || (i > 0 && token.spaceBefore != wanted.spaceBefore) || tokens.key(token) != wantedKey) {
-        return false;
-      }
+// Whether `phrase` matches the text's tokens from `first` on.
+bool PhraseMatcher::matchesAt(const Phrase& phrase, const TokenizedText& text, std::size_t first) const noexcept {
+  const auto& list = text.tokens_;
+  if (phrase.tokenEnd - phrase.tokenBegin > list.size() - first) return false;
+  std::size_t keyBegin = phrase.keyBegin;
+  for (std::size_t i = phrase.tokenBegin; i < phrase.tokenEnd; ++i) {
+    const auto& wanted = tokens_[i];
+    const auto& token = list[first + (i - phrase.tokenBegin)];
+    const auto wantedKey = std::string_view(keys_).substr(keyBegin, wanted.keyEnd - keyBegin);
+    keyBegin = wanted.keyEnd;
+    if (token.inLink || (i > phrase.tokenBegin && token.spaceBefore != wanted.spaceBefore) ||
+        text.key(token) != wantedKey) {
+      return false;
     }
-    return true;
-  };
+  }
+  return true;
+}
+
+std::vector<PhraseMatch> PhraseMatcher::findAll(std::string_view text) const {
+  if (phrases_.empty() || text.empty()) return {};
+  return findAll(TokenizedText(text));
+}
+
+std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const {
+  std::vector<PhraseMatch> matches;
+  if (phrases_.empty()) return matches;
+  const auto& list = text.tokens_;
 
   // The longest phrase that matches from token `first` on: its token count (0 when none
   // matches) and index.
   const auto longestAt = [&](std::size_t first) {
     std::pair<std::size_t, std::size_t> best{0, 0};
     if (list[first].inLink) return best;
-    const auto key = tokens.key(list[first]);
-    const auto [word, bit] = filterBit(KeyHash{}(key));
+    const auto key = text.key(list[first]);
+    const auto hash = hashKey(key);
+    const auto [word, bit] = filterBit(hash);
     if ((firstTokenBits_[word] & bit) == 0) return best;
-    const auto found = byFirstToken_.find(key);
-    if (found == byFirstToken_.end()) return best;
-    for (const auto index : found->second) {
-      const auto length = phrases_[index].tokens.size();
-      if (length > best.first && matchesAt(phrases_[index], first)) best = {length, index};
+    for (auto index = firstPhrase_[slotOf(key, hash)]; index != kNone; index = phrases_[index].next) {
+      const auto length = phrases_[index].tokenEnd - phrases_[index].tokenBegin;
+      if (length > best.first && matchesAt(phrases_[index], text, first)) best = {length, index};
     }
     return best;
   };

@@ -3,11 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace corvane::store {
@@ -58,6 +56,46 @@ struct LinkSpan {
 /// the part after the last '@' up to '/', '?' or '#'.
 std::vector<LinkSpan> findLinks(std::string_view text);
 
+/// A text split into the tokens `PhraseMatcher` compares (see there), with the web and
+/// e-mail addresses in it. Split a text once and search it with any number of matchers.
+/// The text must outlive the object.
+class TokenizedText {
+ public:
+  TokenizedText() = default;
+  explicit TokenizedText(std::string_view text) { assign(text); }
+
+  /// Splits `text` afresh, reusing the memory of the last text.
+  void assign(std::string_view text);
+
+  /// The text that was split.
+  std::string_view text() const noexcept { return text_; }
+
+  /// The text's web and e-mail addresses, as `findLinks` gives them.
+  const std::vector<LinkSpan>& links() const noexcept { return links_; }
+
+ private:
+  friend class PhraseMatcher;
+
+  struct Token {
+    std::size_t offset;  // the bytes of the text it covers
+    std::size_t length;
+    std::size_t keyBegin;  // its comparison form in keys_
+    std::size_t keyEnd;
+    bool spaceBefore;  // white space separates it from the token before
+    bool inLink;
+  };
+
+  void split(std::string_view text, bool findLinks);
+  std::string_view key(const Token& token) const noexcept {
+    return std::string_view(keys_).substr(token.keyBegin, token.keyEnd - token.keyBegin);
+  }
+
+  std::string_view text_;
+  std::vector<Token> tokens_;
+  std::string keys_;
+  std::vector<LinkSpan> links_;
+};
+
 /// A compiled list of words and phrases to look for, matched on whole words, ignoring case.
 ///
 /// Texts and phrases are read as tokens: words, which are runs of word characters (Unicode
@@ -99,39 +137,53 @@ class PhraseMatcher {
 
   /// The phrase with index `index` as it was added. Throws `std::out_of_range` when there is
   /// no such phrase.
-  const std::string& phrase(std::size_t index) const { return phrases_.at(index).text; }
+  std::string_view phrase(std::size_t index) const;
 
   /// Every occurrence of a phrase in `text`, in text order and not overlapping. Where several
   /// phrases match at the same place, the one covering most tokens wins (and of those the
   /// first added), so "Google Play" beats "Google"; matching then resumes after it.
+  std::vector<PhraseMatch> findAll(const TokenizedText& text) const;
+
+  /// `findAll` on `text` split for this one search.
   std::vector<PhraseMatch> findAll(std::string_view text) const;
 
  private:
-  // A token of a phrase: its lowered text ends at `keyEnd` in the phrase's `keys`, and
-  // `spaceBefore` tells whether white space separates it from the token before.
+  // A token of a phrase: its lowered text ends at `keyEnd` in keys_, and `spaceBefore`
+  // tells whether white space separates it from the token before.
   struct Token {
     std::size_t keyEnd;
     bool spaceBefore;
   };
 
-  struct Compiled {
-    std::string text;
-    std::string keys;  // the lowered tokens, one after another
-    std::vector<Token> tokens;
+  // A phrase's text, lowered tokens and tokens, each a range of the shared buffers, and the
+  // next phrase with the same first token (kNone at the end of the chain).
+  struct Phrase {
+    std::size_t textBegin, textEnd;
+    std::size_t keyBegin;
+    std::size_t tokenBegin, tokenEnd;
+    std::size_t next;
   };
 
-  // A quick hash of a token's text; transparent, so that the index is searched with a
-  // std::string_view without building a string.
-  struct KeyHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view key) const noexcept;
-  };
+  // Where the first phrase with the first token `key` (of hash `hash`) is, as an index into
+  // firstPhrase_; an empty slot when there is none.
+  std::size_t slotOf(std::string_view key, std::size_t hash) const noexcept;
+  std::string_view firstKey(const Phrase& phrase) const noexcept;
+  bool matchesAt(const Phrase& phrase, const TokenizedText& text, std::size_t first) const noexcept;
+  void grow();
 
-  std::vector<Compiled> phrases_;
-  // Phrase indices by lowered first token, each list in the order the phrases were added.
-  std::unordered_map<std::string, std::vector<std::size_t>, KeyHash, std::equal_to<>> byFirstToken_;
+  static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+  std::string texts_;  // the phrases as added, one after another
+  std::string keys_;   // their lowered tokens, one after another
+  std::vector<Token> tokens_;
+  std::vector<Phrase> phrases_;
+  // An open-addressing table from first token to the first phrase (and through `next`, all
+  // others, in the order they were added) that starts with it; a power of two in size.
+  std::vector<std::size_t> firstPhrase_;
+  std::vector<std::size_t> lastPhrase_;  // the chain's end, beside firstPhrase_, for appending
+  std::size_t firstTokens_ = 0;          // the slots in use
   // One bit for the hash of each first token, set in `add`: most words of a text miss here
-  // and are passed over without searching the index.
+  // and are passed over without searching the table.
   std::array<std::uint64_t, 64> firstTokenBits_{};
 };
 

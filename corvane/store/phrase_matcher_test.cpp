@@ -29,7 +29,7 @@ PhraseMatcher matcherFor(const std::vector<std::string>& phrases) {
 std::vector<std::string> found(const PhraseMatcher& matcher, std::string_view text) {
   std::vector<std::string> result;
   for (const auto& match : matcher.findAll(text)) {
-    result.push_back(std::string(text.substr(match.offset, match.length)) + "=" + matcher.phrase(match.phrase));
+    result.push_back(std::string(text.substr(match.offset, match.length)) + "=" + std::string(matcher.phrase(match.phrase)));
   }
   return result;
 }

@@ -37,14 +37,15 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
     }
     for (const auto& stored : entity.storedProperties()) stored.property->markSaved();
   };
+  RuleCache cache;
   for (const auto& locale : folder_.locales) {
-    auto rules = std::make_shared<const ListingRules>(facts_, configuration_, locale.locale, context);
+    auto rules = std::make_shared<const ListingRules>(facts_, configuration_, locale.locale, context, &cache);
     auto entity = std::make_shared<ListingEntity>(locale.locale, kLocaleFields, std::move(rules));
     load(*entity, [&](ListingField field) -> const ListingText& { return locale.text(field); });
     tracker_->register_(entity);
     locales_.push_back(std::move(entity));
   }
-  auto sharedRules = std::make_shared<const ListingRules>(facts_, configuration_, std::string(), context);
+  auto sharedRules = std::make_shared<const ListingRules>(facts_, configuration_, std::string(), context, &cache);
   for (const auto& unknown : folder_.unknownLocales) {
     auto found = sharedRules->judgeUnknownLocale(unknown);
     folderFindings_.insert(folderFindings_.end(), found.begin(), found.end());
@@ -64,10 +65,10 @@ const ListingText& StoreListing::source(const ListingEntity& entity, ListingFiel
 
 std::vector<ListingEdit> StoreListing::plannedFixes() const {
   std::vector<ListingEdit> edits;
-  auto plan = [&](const ListingEntity& entity, const ListingRules& rules) {
+  auto plan = [&](const ListingEntity& entity) {
     for (const auto field : entity.fields()) {
       const std::string& before = entity.text(field);
-      auto after = rules.autoFixed(field, before);
+      auto after = entity.rules().autoFixed(field, before);
       if (!after) continue;
       std::string action;
       for (const auto& finding : entity.fieldFindings(field)) {
@@ -88,10 +89,8 @@ std::vector<ListingEdit> StoreListing::plannedFixes() const {
                                   .charactersAfter = charactersOf(*after)});
     }
   };
-  for (const auto& locale : locales_) {
-    plan(*locale, ListingRules(facts_, configuration_, locale->scope(), RuleContext{}));
-  }
-  plan(*shared_, ListingRules(facts_, configuration_, std::string(), RuleContext{}));
+  for (const auto& locale : locales_) plan(*locale);
+  plan(*shared_);
   return edits;
 }
 

@@ -11,6 +11,8 @@
 #include <filesystem>
 #include <string>
 
+#include <sys/stat.h>
+
 namespace corvane::store {
 namespace {
 
@@ -126,6 +128,15 @@ TEST(StoreListingTest, RefusesBadInputWithOneLineNamingTheFile) {
   writeFile(base / "dangling" / "en-US" / "name.txt", "Name");
   fs::create_directory_symlink("nowhere", base / "dangling" / "fr-FR");
   EXPECT_THAT(inputErrorOf(base / "dangling"), HasSubstr("dangling/fr-FR: broken symbolic link"));
+  // A named pipe is refused at once rather than waited on; so is a folder in a file's place.
+  fs::create_directories(base / "pipe" / "en-US");
+  ASSERT_EQ(::mkfifo((base / "pipe" / "en-US" / "name.txt").c_str(), 0600), 0);
+  EXPECT_THAT(inputErrorOf(base / "pipe"), HasSubstr("en-US/name.txt: not a regular file"));
+  fs::create_directories(base / "folder" / "en-US" / "description.txt");
+  EXPECT_THAT(inputErrorOf(base / "folder"), HasSubstr("en-US/description.txt: not a regular file"));
+  writeFile(base / "dangling-file" / "en-US" / "name.txt", "Name");
+  fs::create_symlink("nowhere.txt", base / "dangling-file" / "en-US" / "subtitle.txt");
+  EXPECT_THAT(inputErrorOf(base / "dangling-file"), HasSubstr("en-US/subtitle.txt: cannot read: No such file"));
 }
 
 TEST(StoreListingTest, EditsAreTrackedJudgedAndWrittenWithTheirFrame) {
