@@ -24,14 +24,14 @@ namespace corvane::store {
 //
 //   [rules]                         # rule identifier = level: "off", "blocker",
 //   "name.length" = "optimization"  # "rejection-risk", "optimization" or "opportunity";
-//   content.claims = "off"          # a quoted and an unquoted dotted key name the same rule
+//   content.claim = "off"           # a quoted and an unquoted dotted key name the same rule
 //
 //   [words]
 //   forbidden = ["beta", "early access"]  # extra forbidden words and phrases
 //   allowed = ["Top Hat"]                 # a match inside one of these is never reported
 //
 //   [locales.de-DE.rules]           # per-locale settings: the keys of [rules] and [words],
-//   "content.claims" = "opportunity" # under [locales.<code>.rules] and [locales.<code>.words]
+//   "content.claim" = "opportunity"  # under [locales.<code>.rules] and [locales.<code>.words]
 //   [locales.de-DE.words]
 //   allowed = ["Best"]
 //

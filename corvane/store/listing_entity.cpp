@@ -7,16 +7,19 @@
 namespace corvane::store {
 
 ListingEntity::ListingEntity(std::string scope, std::span<const ListingField> fields,
-                             std::shared_ptr<const ListingRules> rules)
+                             std::shared_ptr<const ListingRules> rules, std::vector<InitialText> initial)
     : scope_(std::move(scope)), fields_(fields.begin(), fields.end()), rules_(std::move(rules)) {
   slots_.reserve(fields_.size());
+  initial.resize(std::max(initial.size(), fields_.size()));
   for (const auto field : fields_) {
-    auto& entry = slots_.emplace_back(Slot{field, std::string(fieldFile(field)), {}, nullptr});
-    const std::size_t index = slots_.size() - 1;
+    const std::size_t index = slots_.size();
+    auto& start = initial[index];
+    if (start.file.empty()) start.file = fieldFile(field);
+    auto& entry = slots_.emplace_back(Slot{field, std::move(start.file), {}, nullptr});
     // The rule records its findings in the slot (never in its own property) and answers
     // with their combination, which screens show as the field's verdict.
     entry.property = std::make_unique<Tracked<std::string>>(
-        std::string(), std::vector<Tracked<std::string>::Rule>{[this, index](const std::string& value) {
+        std::move(start.text), std::vector<Tracked<std::string>::Rule>{[this, index](const std::string& value) {
           auto& judged = slots_[index];
           judged.findings = rules_->judge(judged.field, value, judged.file);
           std::vector<ValidationResult> verdicts;

@@ -22,9 +22,18 @@ namespace corvane::store {
 /// Not synchronised: use it from one thread at a time, like `Tracked`.
 class ListingEntity final : public TrackableEntity {
  public:
+  /// A field's text and file as an entity starts out with them.
+  struct InitialText {
+    std::string text;
+    std::string file;
+  };
+
   /// An entity for `fields` (`kLocaleFields` for a locale, `kSharedFields` for the shared
-  /// files), every field empty and saved, judged by `rules`. Its id is "listing:<scope>".
-  ListingEntity(std::string scope, std::span<const ListingField> fields, std::shared_ptr<const ListingRules> rules);
+  /// files), judged by `rules`. Field i starts with `initial[i]` as its saved text (each
+  /// judged once); fields past the end of `initial` start empty, named by their usual file
+  /// name. Its id is "listing:<scope>".
+  ListingEntity(std::string scope, std::span<const ListingField> fields, std::shared_ptr<const ListingRules> rules,
+                std::vector<InitialText> initial = {});
   ListingEntity(const ListingEntity&) = delete;
   ListingEntity& operator=(const ListingEntity&) = delete;
 

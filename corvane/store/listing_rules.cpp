@@ -168,7 +168,7 @@ ValidationResult listingVerdict(RuleLevel level, std::string message, std::strin
 // configured forbidden words, the claim family and the allow-list.
 struct CompiledWordLists {
   PhraseMatcher content;
-  std::vector<std::string> contentRules;  // the rule of each of content's phrases
+  std::vector<std::string_view> contentRules;  // the rule of each of content's phrases
   PhraseMatcher claims;                   // the claim family, for name, subtitle and keywords only
   PhraseMatcher allowed;
 };
@@ -204,7 +204,7 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   // The family lists depend on the language only; what else decides the words goes into
   // the key, so that two locales share lists exactly when they would compile the same.
   const auto settings = configuration_.wordsFor(locale_);
-  std::string key = fmt::format("{}\n{}\n", static_cast<const void*>(&facts_), languageOf(locale_));
+  std::string key = fmt::format("{}\n{}\n", static_cast<const void*>(&facts_), facts_.wordListLanguage(locale_));
   for (const auto& [family, rule] : kContentFamilies) key += levelOf(rule) ? '1' : '0';
   key += levelOf("content.forbidden") ? '1' : '0';
   key += levelOf("content.claim") ? '1' : '0';
@@ -220,7 +220,7 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   }
 
   auto compiled = std::make_shared<CompiledWordLists>();
-  auto addContent = [&](const std::vector<std::string>& words, std::string_view rule) {
+  auto addContent = [&](const auto& words, std::string_view rule) {
     for (const auto& word : words) {
       if (compiled->content.add(word)) compiled->contentRules.emplace_back(rule);
     }
@@ -575,7 +575,9 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       field == ListingField::name || field == ListingField::subtitle || field == ListingField::keywords;
   if (words_->content.empty() && (!claimsApply || words_->claims.empty()) && !levelOf("content.placeholder")) return;
   const std::string label = facts_.field(field).label;
-  const TokenizedText tokens(text);
+  // Reused by every call on this thread, so that judging many texts allocates little.
+  thread_local TokenizedText tokens;
+  tokens.assign(text);
   const auto allowedMatches = words_->allowed.findAll(tokens);
   auto isAllowed = [&](const PhraseMatch& match) {
     return std::ranges::any_of(allowedMatches, [&](const PhraseMatch& allowed) {
@@ -585,7 +587,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
   struct Hit {
     std::size_t offset;
     std::size_t length;
-    std::string rule;
+    std::string_view rule;
   };
   std::vector<Hit> hits;
   for (const auto& match : words_->content.findAll(tokens)) {

@@ -140,6 +140,40 @@ TEST(ListingRulesTest, AllowedWordsSilenceAndForbiddenWordsAreFound) {
   EXPECT_THAT(forbidden[0].verdict.message, HasSubstr("'Early  Access'"));
 }
 
+// Rules built through one cache share compiled words only where the words are the same:
+// a locale without word lists of its own gets English ones, a per-locale word stays there.
+TEST(ListingRulesTest, RulesBuiltThroughACacheJudgeAsRulesBuiltAlone) {
+  ListingConfiguration configuration;
+  configuration.locales["en-GB"].words.forbidden = {"colour"};
+  configuration.locales["ja"].words.allowed = {"Android"};
+  struct Probe {
+    const char* locale;
+    std::string text;
+    std::vector<std::string> rules;
+  };
+  const std::vector<Probe> probes = {
+      {"en-US", "Coming soon: colour", {"content.future-feature"}},
+      {"en-GB", "Coming soon: colour", {"content.future-feature", "content.forbidden"}},
+      {"ja", "Coming soon on Android", {"content.future-feature"}},
+      {"ko", "Coming soon on Android", {"content.other-platform", "content.future-feature"}},
+      {"de-DE", "Kommt bald", {"content.future-feature"}},
+      {"fr-FR", "Kommt bald", {}},
+  };
+  RuleCache cache;
+  std::vector<ListingRules> cached;
+  for (const auto& probe : probes) cached.emplace_back(facts(), configuration, probe.locale, RuleContext{}, &cache);
+  for (std::size_t i = 0; i < probes.size(); ++i) {
+    SCOPED_TRACE(probes[i].locale);
+    const auto alone = rulesFor(probes[i].locale, configuration);
+    EXPECT_THAT(rulesOf(cached[i].judge(ListingField::description, probes[i].text, "d")),
+                ElementsAreArray(probes[i].rules));
+    EXPECT_EQ(rulesOf(alone.judge(ListingField::description, probes[i].text, "d")), probes[i].rules);
+  }
+  EXPECT_EQ(facts().wordListLanguage("ja"), "en");
+  EXPECT_EQ(facts().wordListLanguage("de-DE"), "de");
+  EXPECT_EQ(facts().wordListLanguage("pt-BR"), "pt");
+}
+
 TEST(ListingRulesTest, ContentMatchesReportLineAndColumnInCharacters) {
   const auto found = rulesFor("en-US").judge(ListingField::description, "Caf\u00E9 \U0001F600 notes\nfor Android", "d");
   ASSERT_EQ(found.size(), 1u);

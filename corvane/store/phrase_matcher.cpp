@@ -212,6 +212,15 @@ std::size_t hashKey(std::string_view key) noexcept {
 
 }  // namespace
 
+void TokenizedText::ownKey(Token& token) {
+  if (!token.keyInText) return;
+  const auto from = keys_.size();
+  keys_.append(text_.substr(token.keyBegin, token.keyEnd - token.keyBegin));
+  token.keyBegin = from;
+  token.keyEnd = keys_.size();
+  token.keyInText = false;
+}
+
 void TokenizedText::assign(std::string_view text) {
   split(text, true);
 }
@@ -276,20 +285,27 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
       const Byte* wordEnd = p + 1;
       while (wordEnd != end && *wordEnd < 0x80 && kAsciiClasses[*wordEnd] == CharClass::letter) ++wordEnd;
       startRun(offset);
-      // ASCII letters after other letters of a word ("café" then "s") continue it.
-      if (previous != CharClass::letter) {
-        mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
-        list.push_back({offset, 0, keys.size(), 0, spaceBefore, false});
-        spaceBefore = false;
-        previous = CharClass::letter;
-      }
       const auto length = static_cast<std::size_t>(wordEnd - p);
-      const auto from = keys.size();
-      keys.append(reinterpret_cast<const char*>(p), length);
-      for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
-      auto& token = list.back();
-      token.length += length;
-      token.keyEnd = keys.size();
+      const bool lowerCase = std::none_of(p, wordEnd, [](Byte c) { return c >= 'A' && c <= 'Z'; });
+      // ASCII letters after other letters of a word ("café" then "s") continue it.
+      if (previous != CharClass::letter && lowerCase) {
+        mayBeLink = mayBeLink || *p == 'w';
+        list.push_back({offset, length, offset, offset + length, spaceBefore, false, true});
+      } else {
+        if (previous != CharClass::letter) {
+          mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
+          list.push_back({offset, 0, keys.size(), keys.size(), spaceBefore, false, false});
+        } else {
+          ownKey(list.back());
+        }
+        const auto from = keys.size();
+        keys.append(reinterpret_cast<const char*>(p), length);
+        for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
+        list.back().length += length;
+        list.back().keyEnd = keys.size();
+      }
+      spaceBefore = false;
+      previous = CharClass::letter;
       p = wordEnd;
       continue;
     }
@@ -321,9 +337,11 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
         kind == CharClass::mark || ((kind == CharClass::letter || kind == CharClass::hangul) && kind == previous);
     if (!continues) {
       mayBeLink = mayBeLink || codePoint == 'w' || codePoint == 'W';
-      list.push_back({offset, 0, keys.size(), 0, spaceBefore, false});
+      list.push_back({offset, 0, keys.size(), 0, spaceBefore, false, false});
       spaceBefore = false;
       previous = kind;
+    } else {
+      ownKey(list.back());
     }
     auto& token = list.back();
     token.length += length;

@@ -79,15 +79,18 @@ class TokenizedText {
   struct Token {
     std::size_t offset;  // the bytes of the text it covers
     std::size_t length;
-    std::size_t keyBegin;  // its comparison form in keys_
+    std::size_t keyBegin;  // its comparison form, in keys_ or (keyInText) in the text itself
     std::size_t keyEnd;
     bool spaceBefore;  // white space separates it from the token before
     bool inLink;
+    bool keyInText;  // a word already in lower case is compared where it stands
   };
 
   void split(std::string_view text, bool findLinks);
+  // Moves the key of `token` into keys_, so that more can be appended to it.
+  void ownKey(Token& token);
   std::string_view key(const Token& token) const noexcept {
-    return std::string_view(keys_).substr(token.keyBegin, token.keyEnd - token.keyBegin);
+    return (token.keyInText ? text_ : std::string_view(keys_)).substr(token.keyBegin, token.keyEnd - token.keyBegin);
   }
 
   std::string_view text_;

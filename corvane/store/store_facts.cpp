@@ -112,8 +112,8 @@ bool StoreFacts::isPlaceholderHost(std::string_view host) const {
   });
 }
 
-std::vector<std::string> StoreFacts::words(std::string_view family, std::string_view locale) const {
-  std::vector<std::string> result;
+std::vector<std::string_view> StoreFacts::words(std::string_view family, std::string_view locale) const {
+  std::vector<std::string_view> result;
   const auto lists = words_.find(family);
   if (lists == words_.end()) return result;
   const std::string_view language = languageOf(locale);
@@ -124,6 +124,13 @@ std::vector<std::string> StoreFacts::words(std::string_view family, std::string_
     if (list != lists->second.end()) result.insert(result.end(), list->second.begin(), list->second.end());
   }
   return result;
+}
+
+std::string_view StoreFacts::wordListLanguage(std::string_view locale) const {
+  const std::string_view language = languageOf(locale);
+  const std::string key(language);
+  const bool hasOwn = std::ranges::any_of(words_, [&](const auto& family) { return family.second.contains(key); });
+  return hasOwn ? language : "en";
 }
 
 std::string_view languageOf(std::string_view locale) noexcept {

@@ -69,8 +69,13 @@ class StoreFacts {
   /// The words and phrases of word list `family` ("other-platform", "placeholder",
   /// "future-feature", "claim", "profanity") that apply to `locale`: the family's list for
   /// every language, then the locale's own language's, then English (English text turns up
-  /// in every locale). Empty for an unknown family.
-  std::vector<std::string> words(std::string_view family, std::string_view locale) const;
+  /// in every locale). Empty for an unknown family. The views point into these facts.
+  std::vector<std::string_view> words(std::string_view family, std::string_view locale) const;
+
+  /// The language whose word lists `words` takes for `locale`: its own language when any
+  /// family has a list for it, else "en", as English is all such a locale gets. Two locales
+  /// with the same answer get the same words.
+  std::string_view wordListLanguage(std::string_view locale) const;
 
  private:
   StoreFacts() = default;

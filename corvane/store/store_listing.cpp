@@ -27,21 +27,25 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
       configuration_(std::move(configuration)),
       folder_(readListingFolder(root, facts, configuration_.extraLocales)),
       tracker_(std::make_shared<UnifiedChangeTracker>()) {
-  auto load = [&](ListingEntity& entity, auto textOf) {
-    for (const auto field : entity.fields()) {
+  // Each entity starts with the folder's texts as its saved values, naming the file each
+  // came from; a missing locale file is named where it would be written.
+  auto initial = [&](const std::string& scope, std::span<const ListingField> fields, auto textOf) {
+    std::vector<ListingEntity::InitialText> texts;
+    texts.reserve(fields.size());
+    for (const auto field : fields) {
       const ListingText& text = textOf(field);
-      entity.setFile(field, text.source == TextSource::none && !isShared(field)
-                                ? entity.scope() + "/" + std::string(fieldFile(field))
-                                : text.file);
-      entity.setText(field, std::string(text.value()));
+      texts.push_back({std::string(text.value()), text.source == TextSource::none && !isShared(field)
+                                                      ? scope + "/" + std::string(fieldFile(field))
+                                                      : text.file});
     }
-    for (const auto& stored : entity.storedProperties()) stored.property->markSaved();
+    return texts;
   };
   RuleCache cache;
   for (const auto& locale : folder_.locales) {
     auto rules = std::make_shared<const ListingRules>(facts_, configuration_, locale.locale, context, &cache);
-    auto entity = std::make_shared<ListingEntity>(locale.locale, kLocaleFields, std::move(rules));
-    load(*entity, [&](ListingField field) -> const ListingText& { return locale.text(field); });
+    auto entity = std::make_shared<ListingEntity>(
+        locale.locale, kLocaleFields, std::move(rules),
+        initial(locale.locale, kLocaleFields, [&](ListingField field) -> const ListingText& { return locale.text(field); }));
     tracker_->register_(entity);
     locales_.push_back(std::move(entity));
   }
@@ -50,8 +54,9 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
     auto found = sharedRules->judgeUnknownLocale(unknown);
     folderFindings_.insert(folderFindings_.end(), found.begin(), found.end());
   }
-  shared_ = std::make_shared<ListingEntity>("shared", kSharedFields, std::move(sharedRules));
-  load(*shared_, [&](ListingField field) -> const ListingText& { return folder_.sharedText(field); });
+  shared_ = std::make_shared<ListingEntity>(
+      "shared", kSharedFields, std::move(sharedRules),
+      initial("shared", kSharedFields, [&](ListingField field) -> const ListingText& { return folder_.sharedText(field); }));
   tracker_->register_(shared_);
 }
 
