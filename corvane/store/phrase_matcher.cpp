@@ -248,10 +248,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
   std::size_t runStart = 0;
   std::size_t runFirstToken = 0;
   bool mayBeLink = false;
-  const auto endRun = [&](std::size_t runEnd) {
-    if (!inRun) return;
-    inRun = false;
-    if (!findLinks || !mayBeLink) return;
+  const auto markLink = [&](std::size_t runEnd) {
     const auto run = text.substr(runStart, runEnd - runStart);
     const auto range = linkRange(run);
     if (!range) return;
@@ -261,6 +258,11 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     for (auto i = runFirstToken; i < list.size(); ++i) {
       list[i].inLink = list[i].offset < linkEnd && list[i].offset + list[i].length > linkBegin;
     }
+  };
+  // Kept inline: it runs at every white space, and almost always only clears the run.
+  const auto endRun = [&](std::size_t runEnd) __attribute__((always_inline)) {
+    if (inRun && findLinks && mayBeLink) markLink(runEnd);
+    inRun = false;
   };
   const auto startRun = [&](std::size_t offset) {
     if (inRun) return;

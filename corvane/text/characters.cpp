@@ -187,6 +187,9 @@ std::optional<std::size_t> firstInvalidUtf8Offset(std::string_view text) noexcep
   const Byte* const begin = bytes(text);
   const Byte* const end = begin + text.size();
   for (const Byte* p = begin; p != end;) {
+    // ASCII is valid as it stands.
+    while (p != end && *p < 0x80) ++p;
+    if (p == end) break;
     std::int32_t codePoint = kNoCodePoint;
     const std::ptrdiff_t length = decode(p, end, codePoint);
     if (length < 0) return static_cast<std::size_t>(p - begin);

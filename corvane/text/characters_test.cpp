@@ -318,6 +318,12 @@ TEST(FirstInvalidUtf8Offset, FindsTheFirstMalformedByte) {
               Optional(0u));
   EXPECT_THAT(firstInvalidUtf8Offset("\u00E9\u00E9\xFE\xFF"), Optional(4u));
   EXPECT_THAT(firstInvalidUtf8Offset(std::string(100, 'a') + "\xFE"), Optional(100u));
+  // Long ASCII runs are skipped in blocks: a fault inside, at the edge of or after a block.
+  const std::string ascii(64, 'a');
+  EXPECT_THAT(firstInvalidUtf8Offset(ascii.substr(0, 5) + "\x80" + ascii), Optional(5u));
+  EXPECT_THAT(firstInvalidUtf8Offset(ascii.substr(0, 31) + "\xE2\x82" + ascii), Optional(31u));
+  EXPECT_THAT(firstInvalidUtf8Offset(ascii + "\u00E9" + ascii.substr(0, 31) + "\xC0\xAF"), Optional(97u));
+  EXPECT_EQ(firstInvalidUtf8Offset(ascii + "\u00E9" + ascii + "\U0001F600"), std::nullopt);
 }
 
 }  // namespace
