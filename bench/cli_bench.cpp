@@ -39,9 +39,18 @@ std::string prose(std::size_t characters) {
   return text;
 }
 
+// A temporary folder, removed when the process ends.
+struct BenchFolder {
+  fs::path path;
+  ~BenchFolder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+};
+
 // The folder lives as long as the process: every benchmark reads the same files.
 const fs::path& folder() {
-  static const fs::path root = [] {
+  static const BenchFolder root{[] {
     std::string pattern = (fs::temp_directory_path() / "corvane-bench-XXXXXX").string();
     if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp");
     const fs::path path = pattern;
@@ -63,8 +72,8 @@ const fs::path& folder() {
     fs::create_directories(path / "review_information");
     write(path / "review_information" / "email_address.txt", "review@example.com");
     return path;
-  }();
-  return root;
+  }()};
+  return root.path;
 }
 
 // The floor: read every locale file and count its characters, nothing else.

@@ -47,6 +47,23 @@ constexpr std::array<CharClass, 128> kAsciiClasses = [] {
   return classes;
 }();
 
+// For each byte: 0 unless it is an ASCII word character; kLowerWordByte for a digit, '_' or
+// lower-case letter, kUpperWordByte for an upper-case letter. One look-up per byte finds
+// both where an ASCII word ends and whether it needs lowering.
+constexpr std::uint8_t kLowerWordByte = 1;
+constexpr std::uint8_t kUpperWordByte = 2;
+constexpr std::array<std::uint8_t, 256> kWordBytes = [] {
+  std::array<std::uint8_t, 256> bytes{};
+  for (std::size_t c = 0; c < 128; ++c) {
+    if (c >= 'A' && c <= 'Z') {
+      bytes[c] = kUpperWordByte;
+    } else if (kAsciiClasses[c] == CharClass::letter) {
+      bytes[c] = kLowerWordByte;
+    }
+  }
+  return bytes;
+}();
+
 // White space is what corvane::isWhitespaceOrNewline says it is; the test is repeated here
 // so that a character's properties are looked up once.
 CharClass classify(std::int32_t codePoint) noexcept {
@@ -283,12 +300,12 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
       ++p;
       continue;
     }
-    if (*p < 0x80 && kAsciiClasses[*p] == CharClass::letter) {
+    if (std::uint8_t seen = kWordBytes[*p]; seen != 0) {
       const Byte* wordEnd = p + 1;
-      while (wordEnd != end && *wordEnd < 0x80 && kAsciiClasses[*wordEnd] == CharClass::letter) ++wordEnd;
+      for (std::uint8_t kind = 0; wordEnd != end && (kind = kWordBytes[*wordEnd]) != 0; ++wordEnd) seen |= kind;
       startRun(offset);
       const auto length = static_cast<std::size_t>(wordEnd - p);
-      const bool lowerCase = std::none_of(p, wordEnd, [](Byte c) { return c >= 'A' && c <= 'Z'; });
+      const bool lowerCase = (seen & kUpperWordByte) == 0;
       // ASCII letters after other letters of a word ("café" then "s") continue it.
       if (previous != CharClass::letter && lowerCase) {
         mayBeLink = mayBeLink || *p == 'w';
