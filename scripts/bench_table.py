@@ -26,7 +26,8 @@ IS_BASELINE = {"utf8procLoop/ascii", "utf8procLoop/mixed", "icuBreakIterator/asc
 # Figures a benchmark reports beside its time.
 SKIPPED_KEYS = {"name", "family_index", "per_family_instance_index", "run_name", "run_type", "repetitions",
                 "repetition_index", "threads", "iterations", "real_time", "cpu_time", "time_unit",
-                "bytes_per_second", "items_per_second", "label", "error_occurred", "error_message"}
+                "bytes_per_second", "items_per_second", "label", "error_occurred", "error_message",
+                "aggregate_name", "aggregate_unit"}
 
 UNIT_NS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 

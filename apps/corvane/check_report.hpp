@@ -55,7 +55,8 @@ struct CheckReport {
   bool blocked() const { return count(RuleLevel::blocker) > 0; }
 };
 
-/// The completion status in words: "Ready to submit", "3 items to finish", "Blocked by 2 items".
+/// The completion status in words, to follow a colon: "ready to submit", "3 items to finish",
+/// "blocked by 2 items".
 std::string completionSummary(const CheckReport& report);
 
 }  // namespace corvane::cli

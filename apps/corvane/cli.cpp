@@ -39,7 +39,7 @@ Invocation parseCheck(std::span<const std::string> arguments) {
     auto valueOf = [&](std::string_view option) -> std::string {
       const std::string prefix = std::string(option) + "=";
       if (argument.starts_with(prefix)) return argument.substr(prefix.size());
-      // "--app-version --fix" forgot the version; it must not swallow the next option.
+      // "--config --fix" forgot the file; it must not swallow the next option.
       if (i + 1 >= arguments.size() || arguments[i + 1].starts_with("--")) {
         throw UsageError(std::string(option) + " needs a value");
       }

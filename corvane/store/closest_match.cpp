@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 #include <vector>
 
 namespace corvane::store {
@@ -12,23 +13,27 @@ char folded(char c) {
   return c == '_' ? '-' : c;
 }
 
-std::size_t editDistance(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> row(b.size() + 1);
-  std::iota(row.begin(), row.end(), std::size_t{0});
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i;
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t above = row[j];
-      const std::size_t substitution = diagonal + (folded(a[i - 1]) == folded(b[j - 1]) ? 0 : 1);
-      row[j] = std::min({above + 1, row[j - 1] + 1, substitution});
-      diagonal = above;
-    }
-  }
-  return row[b.size()];
-}
-
 }  // namespace
+
+// Three rows of the classic table: the one being filled and the two before it, which an
+// adjacent transposition reaches back to.
+std::size_t editDistance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> twoBack(b.size() + 1), previous(b.size() + 1), current(b.size() + 1);
+  std::iota(previous.begin(), previous.end(), std::size_t{0});
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    current[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const bool same = folded(a[i - 1]) == folded(b[j - 1]);
+      current[j] = std::min({previous[j] + 1, current[j - 1] + 1, previous[j - 1] + (same ? 0 : 1)});
+      if (i > 1 && j > 1 && folded(a[i - 1]) == folded(b[j - 2]) && folded(a[i - 2]) == folded(b[j - 1])) {
+        current[j] = std::min(current[j], twoBack[j - 2] + 1);
+      }
+    }
+    std::swap(twoBack, previous);
+    std::swap(previous, current);
+  }
+  return previous[b.size()];
+}
 
 std::optional<std::string> closestMatch(std::string_view text, std::span<const std::string> candidates,
                                         std::size_t maximumDistance) {

@@ -12,6 +12,7 @@
 
 #include <toml++/toml.h>
 
+#include "corvane/store/closest_match.hpp"
 #include "corvane/text/characters.hpp"
 
 namespace corvane::store {
@@ -122,26 +123,6 @@ std::string_view typeName(const toml::node& node) {
       break;
   }
   return "nothing";
-}
-
-// Edit distance with adjacent transpositions counting as one edit ("lenght" is one away
-// from "length"), ignoring ASCII case so that "de-de" still finds "de-DE".
-std::size_t editDistance(std::string_view a, std::string_view b) {
-  const auto same = [](char x, char y) {
-    return std::tolower(static_cast<unsigned char>(x)) == std::tolower(static_cast<unsigned char>(y));
-  };
-  std::vector<std::vector<std::size_t>> d(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
-  for (std::size_t i = 0; i <= a.size(); ++i) d[i][0] = i;
-  for (std::size_t j = 0; j <= b.size(); ++j) d[0][j] = j;
-  for (std::size_t i = 1; i <= a.size(); ++i) {
-    for (std::size_t j = 1; j <= b.size(); ++j) {
-      d[i][j] = std::min({d[i - 1][j] + 1, d[i][j - 1] + 1, d[i - 1][j - 1] + (same(a[i - 1], b[j - 1]) ? 0 : 1)});
-      if (i > 1 && j > 1 && same(a[i - 1], b[j - 2]) && same(a[i - 2], b[j - 1])) {
-        d[i][j] = std::min(d[i][j], d[i - 2][j - 2] + 1);
-      }
-    }
-  }
-  return d[a.size()][b.size()];
 }
 
 // "unknown <kind> '<name>'", with the closest candidate at most two edits away suggested.

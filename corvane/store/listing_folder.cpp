@@ -69,8 +69,8 @@ class Reader {
   // the root). `parentIsLink` says whether a folder between the root and the file is a
   // link, in which case the path is resolved even when the file itself is not a link.
   ListingText read(const fs::path& folder, std::string_view relative, const std::string& file, bool parentIsLink) {
-    ListingText result{.text = std::nullopt, .frame = {}, .path = folder / relative, .file = file,
-                       .source = TextSource::none};
+    ListingText result{
+        .text = std::nullopt, .frame = {}, .path = folder / relative, .file = file, .source = TextSource::none};
     const fs::path& path = result.path;
     // Opened without following a final link, so that one open answers most files; a link
     // is followed only once it is known to stay inside the root. Non-blocking, so that a
@@ -142,7 +142,8 @@ LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path&
 
 bool holdsListingFile(const fs::path& folder) {
   std::error_code error;
-  return std::ranges::any_of(kLocaleFields, [&](ListingField field) { return fs::exists(folder / fieldFile(field), error); });
+  return std::ranges::any_of(kLocaleFields,
+                             [&](ListingField field) { return fs::exists(folder / fieldFile(field), error); });
 }
 
 }  // namespace
@@ -161,7 +162,8 @@ bool looksLikeLocale(std::string_view name) noexcept {
   return true;
 }
 
-ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts, std::span<const std::string> extraLocales) {
+ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
+                                std::span<const std::string> extraLocales) {
   std::error_code error;
   if (!fs::is_directory(root, error)) {
     throw InputError(root.string() + (fs::exists(root, error) ? ": not a folder" : ": no such folder"));

@@ -62,9 +62,8 @@ ActionGuidance manual(std::string title, std::string description, std::vector<st
 // verdict does not, so the handler has nothing to do.
 ActionGuidance autoFix(std::string title, std::string description, Action alternative) {
   return ActionGuidance{
-      .primaryAction = Action{.title = std::move(title),
-                              .description = std::move(description),
-                              .type = ActionType::autoFix([] {})},
+      .primaryAction =
+          Action{.title = std::move(title), .description = std::move(description), .type = ActionType::autoFix([] {})},
       .alternativeActions = {std::move(alternative)},
       .helpURL = std::nullopt,
       .estimatedTime = "< 1 minute",
@@ -169,7 +168,7 @@ ValidationResult listingVerdict(RuleLevel level, std::string message, std::strin
 struct CompiledWordLists {
   PhraseMatcher content;
   std::vector<std::string_view> contentRules;  // the rule of each of content's phrases
-  PhraseMatcher claims;                   // the claim family, for name, subtitle and keywords only
+  PhraseMatcher claims;                        // the claim family, for name, subtitle and keywords only
   PhraseMatcher allowed;
 };
 
@@ -367,15 +366,16 @@ void ListingRules::judgeKeywords(std::string_view text, const std::string& file,
         continue;
       }
       const std::string quoted = fmt::format("'{}'", keyword.text);
-      out.push_back(finding(
-          "keywords.duplicate", *level, field, file, positionAt(text, keyword.offset),
-          listingVerdict(*level, "Keyword " + quoted + " appears twice", findRule(catalog_, "keywords.duplicate")->reason,
-                         autoFix("Remove duplicate keywords", "Keep the first of each keyword and drop the repeats",
-                                 Action{.title = "Replace it",
-                                        .description = "Use the characters for another search term",
-                                        .type = ActionType::manual({"Replace " + quoted + " in " + file +
-                                                                    " with a term people search for"})})),
-          fixed));
+      out.push_back(
+          finding("keywords.duplicate", *level, field, file, positionAt(text, keyword.offset),
+                  listingVerdict(
+                      *level, "Keyword " + quoted + " appears twice", findRule(catalog_, "keywords.duplicate")->reason,
+                      autoFix("Remove duplicate keywords", "Keep the first of each keyword and drop the repeats",
+                              Action{.title = "Replace it",
+                                     .description = "Use the characters for another search term",
+                                     .type = ActionType::manual(
+                                         {"Replace " + quoted + " in " + file + " with a term people search for"})})),
+                  fixed));
     }
   }
   if (const auto level = levelOf("keywords.spacing")) {
@@ -388,7 +388,8 @@ void ListingRules::judgeKeywords(std::string_view text, const std::string& file,
       std::size_t at = 0;
       for (std::size_t comma = text.find(','); comma != std::string_view::npos; comma = text.find(',', comma + 1)) {
         const std::string_view before = text.substr(0, comma);
-        const std::size_t kept = trimmed(before).size() + static_cast<std::size_t>(trimmed(before).data() - before.data());
+        const std::size_t kept =
+            trimmed(before).size() + static_cast<std::size_t>(trimmed(before).data() - before.data());
         if (kept < comma) {
           at = kept;
           break;
@@ -430,13 +431,13 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
     if (!inName[i] && !inSubtitle[i]) continue;
     const std::string quoted = fmt::format("'{}'", spans[i].text);
     const std::string where = inName[i] ? "app name" : "subtitle";
-    out.push_back(finding("keywords.repeats-name", *level, ListingField::keywords, file,
-                          positionAt(keywords, spans[i].offset),
-                          listingVerdict(*level, "Keyword " + quoted + " is already in the " + where,
-                                         findRule(catalog_, "keywords.repeats-name")->reason,
-                                         manual("Use another keyword", "The " + where + " is searched already",
-                                                {"Replace " + quoted + " in " + file +
-                                                 " with a term that is not in the name or subtitle"}))));
+    out.push_back(finding(
+        "keywords.repeats-name", *level, ListingField::keywords, file, positionAt(keywords, spans[i].offset),
+        listingVerdict(
+            *level, "Keyword " + quoted + " is already in the " + where,
+            findRule(catalog_, "keywords.repeats-name")->reason,
+            manual("Use another keyword", "The " + where + " is searched already",
+                   {"Replace " + quoted + " in " + file + " with a term that is not in the name or subtitle"}))));
   }
   return out;
 }
@@ -448,41 +449,46 @@ void ListingRules::judgeUrl(ListingField field, std::string_view text, const std
   // Schemes are case-insensitive; an address needs a host after the scheme ("https://"
   // alone parses, but leads nowhere), and white space or control characters never belong in one.
   const auto separator = address.find("://");
-  const std::string scheme = separator == std::string_view::npos ? std::string() : lowercased(address.substr(0, separator));
-  const std::string_view rest = separator == std::string_view::npos ? std::string_view() : address.substr(separator + 3);
+  const std::string scheme =
+      separator == std::string_view::npos ? std::string() : lowercased(address.substr(0, separator));
+  const std::string_view rest =
+      separator == std::string_view::npos ? std::string_view() : address.substr(separator + 3);
   const bool hasHost = !rest.empty() && rest.find_first_of("/?#") != 0;
-  const bool clean = std::ranges::none_of(address, [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == 0x7F; });
+  const bool clean =
+      std::ranges::none_of(address, [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == 0x7F; });
   const auto url = Url::parse(address);
   if (!url || !clean || !hasHost || (scheme != "https" && scheme != "http")) {
     if (const auto level = levelOf("url.invalid")) {
-      const std::string problem = !clean ? " contains a space or a control character" : " is not a complete web address";
-      out.push_back(finding("url.invalid", *level, field, file, std::nullopt,
-                            listingVerdict(*level, label + problem, findRule(catalog_, "url.invalid")->reason,
-                                           manual("Fix the address", "Write the whole address, starting with https://",
-                                                  {"Write an address such as https://your-site.app/page into " +
-                                                   file}))));
+      const std::string problem =
+          !clean ? " contains a space or a control character" : " is not a complete web address";
+      out.push_back(
+          finding("url.invalid", *level, field, file, std::nullopt,
+                  listingVerdict(*level, label + problem, findRule(catalog_, "url.invalid")->reason,
+                                 manual("Fix the address", "Write the whole address, starting with https://",
+                                        {"Write an address such as https://your-site.app/page into " + file}))));
     }
     return;
   }
   if (scheme == "http") {
     if (const auto level = levelOf("url.insecure")) {
-      out.push_back(finding("url.insecure", *level, field, file, std::nullopt,
-                            listingVerdict(*level, label + " uses http:// instead of https://",
-                                           findRule(catalog_, "url.insecure")->reason,
-                                           manual("Switch to https", "Serve the page over https and update the address",
-                                                  {"Make the page available over https",
-                                                   "Replace http:// with https:// in " + file},
-                                                  "5 minutes"))));
+      out.push_back(finding(
+          "url.insecure", *level, field, file, std::nullopt,
+          listingVerdict(*level, label + " uses http:// instead of https://",
+                         findRule(catalog_, "url.insecure")->reason,
+                         manual("Switch to https", "Serve the page over https and update the address",
+                                {"Make the page available over https", "Replace http:// with https:// in " + file},
+                                "5 minutes"))));
     }
   }
   const auto links = findLinks(address);
   if (!links.empty() && facts_.isPlaceholderHost(links.front().host)) {
     if (const auto level = levelOf("address.placeholder")) {
-      out.push_back(finding("address.placeholder", *level, field, file, std::nullopt,
-                            listingVerdict(*level, label + " points to a placeholder domain (" + links.front().host + ")",
-                                           findRule(catalog_, "address.placeholder")->reason,
-                                           manual("Use the real address", "Point it to your own site",
-                                                  {"Write your page's real address into " + file}))));
+      out.push_back(
+          finding("address.placeholder", *level, field, file, std::nullopt,
+                  listingVerdict(*level, label + " points to a placeholder domain (" + links.front().host + ")",
+                                 findRule(catalog_, "address.placeholder")->reason,
+                                 manual("Use the real address", "Point it to your own site",
+                                        {"Write your page's real address into " + file}))));
     }
   }
 }
@@ -493,8 +499,8 @@ void ListingRules::judgeCopyright(std::string_view text, const std::string& file
   const auto year = copyrightYear(text);
   if (!year || *year > context_.currentYear) {
     if (const auto level = levelOf("copyright.year")) {
-      const std::string message = !year ? "Copyright does not start with a year"
-                                        : fmt::format("Copyright year {} is in the future", *year);
+      const std::string message =
+          !year ? "Copyright does not start with a year" : fmt::format("Copyright year {} is in the future", *year);
       out.push_back(finding("copyright.year", *level, field, file, TextPosition{1, 1},
                             listingVerdict(*level, message, findRule(catalog_, "copyright.year")->reason,
                                            manual("Start it with the year",
@@ -524,13 +530,13 @@ void ListingRules::judgeCategory(ListingField field, std::string_view text, cons
   std::string message = fmt::format("'{}' is not a category the store knows", value);
   const auto suggestion = closestMatch(value, facts_.categories(), 3);
   if (suggestion) message += "; did you mean '" + *suggestion + "'?";
-  out.push_back(finding("category.unknown", *level, field, file, TextPosition{1, 1},
-                        listingVerdict(*level, message, findRule(catalog_, "category.unknown")->reason,
-                                       manual("Use a store category",
-                                              suggestion ? "Write " + *suggestion + " into " + fileNameOf(file)
-                                                         : "Write one of the store's categories, such as PRODUCTIVITY",
-                                              {"Write a category such as " + suggestion.value_or("PRODUCTIVITY") +
-                                               " into " + file}))));
+  out.push_back(finding(
+      "category.unknown", *level, field, file, TextPosition{1, 1},
+      listingVerdict(*level, message, findRule(catalog_, "category.unknown")->reason,
+                     manual("Use a store category",
+                            suggestion ? "Write " + *suggestion + " into " + fileNameOf(file)
+                                       : "Write one of the store's categories, such as PRODUCTIVITY",
+                            {"Write a category such as " + suggestion.value_or("PRODUCTIVITY") + " into " + file}))));
 }
 
 void ListingRules::judgeContact(ListingField field, std::string_view text, const std::string& file,
@@ -540,21 +546,22 @@ void ListingRules::judgeContact(ListingField field, std::string_view text, const
   if (field == ListingField::reviewPhone) {
     if (looksLikePhoneNumber(value)) return;
     if (const auto level = levelOf("review-phone.format")) {
-      out.push_back(finding("review-phone.format", *level, field, file, std::nullopt,
-                            listingVerdict(*level, label + " does not look like a phone number",
-                                           findRule(catalog_, "review-phone.format")->reason,
-                                           manual("Fix the number", "Write it with the country code, such as +44 20 7946 0000",
-                                                  {"Write the number with its country code into " + file}))));
+      out.push_back(
+          finding("review-phone.format", *level, field, file, std::nullopt,
+                  listingVerdict(*level, label + " does not look like a phone number",
+                                 findRule(catalog_, "review-phone.format")->reason,
+                                 manual("Fix the number", "Write it with the country code, such as +44 20 7946 0000",
+                                        {"Write the number with its country code into " + file}))));
     }
     return;
   }
   if (!looksLikeEmailAddress(value)) {
     if (const auto level = levelOf("review-email.format")) {
-      out.push_back(finding("review-email.format", *level, field, file, std::nullopt,
-                            listingVerdict(*level, label + " is not an e-mail address",
-                                           findRule(catalog_, "review-email.format")->reason,
-                                           manual("Fix the address", "Write an address such as review@your-site.app",
-                                                  {"Write the review contact's e-mail address into " + file}))));
+      out.push_back(finding(
+          "review-email.format", *level, field, file, std::nullopt,
+          listingVerdict(*level, label + " is not an e-mail address", findRule(catalog_, "review-email.format")->reason,
+                         manual("Fix the address", "Write an address such as review@your-site.app",
+                                {"Write the review contact's e-mail address into " + file}))));
     }
     return;
   }
@@ -619,8 +626,8 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       if (hit.rule == "content.claim") message = label + " makes a price or ranking claim: " + quoted;
       if (hit.rule == "content.profanity") message = label + " holds profanity: " + quoted;
       if (hit.rule == "content.forbidden") message = label + " holds a forbidden word: " + quoted;
-      auto guidance = manual("Reword it", "Remove or replace " + quoted,
-                             {"Remove or replace " + quoted + " in " + file});
+      auto guidance =
+          manual("Reword it", "Remove or replace " + quoted, {"Remove or replace " + quoted + " in " + file});
       guidance.alternativeActions.push_back(
           Action{.title = "Allow the word",
                  .description = "If it is meant, allow it in the configuration",
@@ -640,8 +647,8 @@ std::vector<ListingFinding> ListingRules::judgeDemoAccount(std::string_view user
   if (!level) return out;
   const auto missing = hasUser ? ListingField::reviewDemoPassword : ListingField::reviewDemoUser;
   const std::string file(fieldFile(missing));
-  const std::string message = hasUser ? "Demo account has a user name but no password"
-                                      : "Demo account has a password but no user name";
+  const std::string message =
+      hasUser ? "Demo account has a user name but no password" : "Demo account has a password but no user name";
   out.push_back(finding("review.demo-account", *level, missing, file, std::nullopt,
                         listingVerdict(*level, message, findRule(catalog_, "review.demo-account")->reason,
                                        manual("Complete the demo account", "Give both the user name and the password",
@@ -659,11 +666,11 @@ std::vector<ListingFinding> ListingRules::judgeUnknownLocale(const UnknownLocale
   std::vector<std::string> steps;
   if (folder.suggestion) steps.push_back("Rename the folder " + folder.name + " to " + *folder.suggestion);
   steps.push_back("If the store has added this locale, add \"" + folder.name + "\" to extra-locales in .corvane.toml");
-  out.push_back(finding("locale.unknown", *level, ListingField::name, folder.name, std::nullopt,
-                        listingVerdict(*level, message, findRule(catalog_, "locale.unknown")->reason,
-                                       manual(folder.suggestion ? "Rename it to " + *folder.suggestion : "Rename it",
-                                              "Name the folder with one of the store's locale codes",
-                                              std::move(steps)))));
+  out.push_back(
+      finding("locale.unknown", *level, ListingField::name, folder.name, std::nullopt,
+              listingVerdict(*level, message, findRule(catalog_, "locale.unknown")->reason,
+                             manual(folder.suggestion ? "Rename it to " + *folder.suggestion : "Rename it",
+                                    "Name the folder with one of the store's locale codes", std::move(steps)))));
   return out;
 }
 
@@ -676,8 +683,7 @@ std::optional<std::string> ListingRules::autoFixed(ListingField field, std::stri
   }
   const auto& about = facts_.field(field);
   const std::string rule = std::string(fieldKey(field)) + ".length";
-  if (about.limit && levelOf(rule) &&
-      static_cast<std::int64_t>(characterCount(trimmed(current))) > *about.limit) {
+  if (about.limit && levelOf(rule) && static_cast<std::int64_t>(characterCount(trimmed(current))) > *about.limit) {
     current = field == ListingField::keywords ? trimKeywordsToLimit(current, *about.limit)
                                               : trimToLimit(current, *about.limit);
   }

@@ -107,8 +107,8 @@ bool StoreFacts::isCategory(std::string_view value) const {
 
 bool StoreFacts::isPlaceholderHost(std::string_view host) const {
   return std::ranges::any_of(placeholderDomains_, [&](const std::string& domain) {
-    return host == domain || (host.ends_with(domain) && host.size() > domain.size() &&
-                              host[host.size() - domain.size() - 1] == '.');
+    return host == domain ||
+           (host.ends_with(domain) && host.size() > domain.size() && host[host.size() - domain.size() - 1] == '.');
   });
 }
 

@@ -45,7 +45,8 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
     auto rules = std::make_shared<const ListingRules>(facts_, configuration_, locale.locale, context, &cache);
     auto entity = std::make_shared<ListingEntity>(
         locale.locale, kLocaleFields, std::move(rules),
-        initial(locale.locale, kLocaleFields, [&](ListingField field) -> const ListingText& { return locale.text(field); }));
+        initial(locale.locale, kLocaleFields,
+                [&](ListingField field) -> const ListingText& { return locale.text(field); }));
     tracker_->register_(entity);
     locales_.push_back(std::move(entity));
   }
@@ -56,7 +57,8 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
   }
   shared_ = std::make_shared<ListingEntity>(
       "shared", kSharedFields, std::move(sharedRules),
-      initial("shared", kSharedFields, [&](ListingField field) -> const ListingText& { return folder_.sharedText(field); }));
+      initial("shared", kSharedFields,
+              [&](ListingField field) -> const ListingText& { return folder_.sharedText(field); }));
   tracker_->register_(shared_);
 }
 
@@ -83,15 +85,16 @@ std::vector<ListingEdit> StoreListing::plannedFixes() const {
         action += action.empty() ? title : ", " + lowercased(title.substr(0, 1)) + title.substr(1);
       }
       const auto& text = source(entity, field);
-      edits.push_back(ListingEdit{.scope = entity.scope(),
-                                  .field = field,
-                                  .file = entity.file(field),
-                                  .path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path,
-                                  .action = action.empty() ? "Tidy" : action,
-                                  .before = before,
-                                  .after = *after,
-                                  .charactersBefore = charactersOf(before),
-                                  .charactersAfter = charactersOf(*after)});
+      edits.push_back(
+          ListingEdit{.scope = entity.scope(),
+                      .field = field,
+                      .file = entity.file(field),
+                      .path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path,
+                      .action = action.empty() ? "Tidy" : action,
+                      .before = before,
+                      .after = *after,
+                      .charactersBefore = charactersOf(before),
+                      .charactersAfter = charactersOf(*after)});
     }
   };
   for (const auto& locale : locales_) plan(*locale);
@@ -169,13 +172,15 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
     const auto& about = facts_.field(field);
     const bool empty = trimmed(entity.text(field)).empty();
     auto firstAt = [&](RuleLevel level) {
-      return std::ranges::find_if(findings, [&](const ListingFinding& f) { return f.field == field && f.level == level; });
+      return std::ranges::find_if(findings,
+                                  [&](const ListingFinding& f) { return f.field == field && f.level == level; });
     };
     const auto blocker = firstAt(RuleLevel::blocker);
     const auto risk = firstAt(RuleLevel::rejectionRisk);
     const bool anyFinding = std::ranges::any_of(findings, [&](const ListingFinding& f) { return f.field == field; });
     if (!about.required && empty && !anyFinding) continue;
-    const bool required = about.required && !(field == ListingField::releaseNotes && blocker == findings.end() && empty);
+    const bool required =
+        about.required && !(field == ListingField::releaseNotes && blocker == findings.end() && empty);
     const Priority priority = field == ListingField::name ? Priority::critical
                               : required                  ? Priority::required
                                                           : Priority::optional;
@@ -194,9 +199,19 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
     if (!isSharedEntity && source(entity, field).source == TextSource::defaults && !empty) {
       description += " (from default/)";
     }
-    std::string id = isSharedEntity ? std::string(fieldFile(field)) : entity.scope() + "/" + std::string(fieldFile(field));
+    std::string id =
+        isSharedEntity ? std::string(fieldFile(field)) : entity.scope() + "/" + std::string(fieldFile(field));
     items.emplace_back(std::move(id), about.label, std::move(description), std::move(status), priority,
                        isSharedEntity ? std::string("Shared") : entity.scope());
+  }
+  // A folder the store would refuse holds up the submission as a field does.
+  if (isSharedEntity) {
+    for (const auto& finding : folderFindings_) {
+      auto status =
+          finding.level == RuleLevel::blocker ? ItemStatus::blocked(finding.verdict.message) : ItemStatus::inProgress();
+      items.emplace_back(finding.file + "/", "Locale folder", finding.verdict.message, std::move(status),
+                         Priority::required, std::string("Shared"));
+    }
   }
   return items;
 }

@@ -17,10 +17,10 @@ namespace corvane::store {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::HasSubstr;
 using corvane::testing::readFile;
 using corvane::testing::TemporaryFolder;
 using corvane::testing::writeFile;
+using ::testing::HasSubstr;
 
 const StoreFacts& facts() {
   static const StoreFacts loaded = StoreFacts::load(CORVANE_STORE_RESOURCES);
@@ -99,6 +99,12 @@ TEST(StoreListingTest, UnknownLocaleFoldersAreBlockersWithASuggestion) {
             "'en-US-x1' is not a locale the store knows; did you mean 'en-US'?");
   EXPECT_EQ(listing.folderFindings()[1].verdict.message,
             "'en_GB' is not a locale the store knows; did you mean 'en-GB'?");
+  // Each refused folder blocks the submission in the shared checklist.
+  std::vector<std::string> blocked;
+  for (const auto& item : listing.checklist(listing.shared(), listing.shared().findings())) {
+    if (item.status.isBlocked() && item.id.ends_with('/')) blocked.push_back(item.id);
+  }
+  EXPECT_EQ(blocked, (std::vector<std::string>{"en-US-x1/", "en_GB/"}));
 
   ListingConfiguration configuration;
   configuration.extraLocales = {"en-US-x1"};
