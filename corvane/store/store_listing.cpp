@@ -7,6 +7,7 @@
 #include "corvane/tracking/unified_change_tracker.hpp"
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace corvane::store {
 namespace fs = std::filesystem;
@@ -107,12 +108,11 @@ void StoreListing::apply(const ListingEdit& edit) {
     shared_->setText(edit.field, edit.after);
     return;
   }
-  for (const auto& locale : locales_) {
-    if (locale->scope() == edit.scope) locale->setText(edit.field, edit.after);
-  }
+  const auto target = std::ranges::find(locales_, edit.scope, &ListingEntity::scope);
+  if (target == locales_.end()) throw std::invalid_argument("no locale '" + edit.scope + "' in this listing");
+  (*target)->setText(edit.field, edit.after);
   // A text from default/ stands in for every locale that lacks the file: they all change.
-  if (source(*std::ranges::find(locales_, edit.scope, &ListingEntity::scope)->get(), edit.field).source ==
-      TextSource::defaults) {
+  if (source(**target, edit.field).source == TextSource::defaults) {
     for (const auto& locale : locales_) {
       if (locale->file(edit.field) == edit.file) locale->setText(edit.field, edit.after);
     }

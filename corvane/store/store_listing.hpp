@@ -71,7 +71,8 @@ class StoreListing {
   /// The auto-fixes the current texts offer, locales in order, then the shared files.
   std::vector<ListingEdit> plannedFixes() const;
 
-  /// Makes `edit` (an unsaved change of its entity).
+  /// Makes `edit` (an unsaved change of its entity). Throws `std::invalid_argument` when its
+  /// scope is neither "shared" nor a locale of this listing.
   void apply(const ListingEdit& edit);
 
   /// Writes every changed field's file and marks the changes saved. Every new file is

@@ -155,6 +155,10 @@ TEST(StoreListingTest, EditsAreTrackedJudgedAndWrittenWithTheirFrame) {
   const auto fixes = listing.plannedFixes();
   ASSERT_EQ(fixes.size(), 1u);
   EXPECT_EQ(fixes[0].after, "notes,lists");
+  auto elsewhere = fixes[0];
+  elsewhere.scope = "fr-FR";
+  EXPECT_THROW(listing.apply(elsewhere), std::invalid_argument) << "an edit for a locale the listing lacks";
+  EXPECT_FALSE(english.hasUnsavedChanges());
   EXPECT_EQ(fixes[0].action, "Remove duplicate keywords, remove spaces around commas");
   listing.apply(fixes[0]);
   EXPECT_TRUE(english.hasUnsavedChanges());
