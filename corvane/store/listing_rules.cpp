@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <functional>
+#include <utility>
 
 namespace corvane::store {
 namespace {
@@ -76,6 +78,20 @@ std::size_t offsetAfterCharacters(std::string_view text, std::int64_t count) {
   const std::string_view inner = trimmed(text);
   const std::size_t start = static_cast<std::size_t>(inner.data() - text.data());
   return start + prefixCharacters(inner, static_cast<std::size_t>(std::max<std::int64_t>(count, 0))).size();
+}
+
+// Whether `text` (trimmed of surrounding white space) has more than `limit` characters.
+// A character takes at least one code point, and a code point at least one byte, so most
+// texts are let through by those cheap counts before the grapheme rules are applied.
+bool longerThan(std::string_view text, std::int64_t limit) {
+  if (std::cmp_less_equal(text.size(), limit)) return false;
+  text = trimmed(text);
+  if (!firstInvalidUtf8Offset(text)) {
+    const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
+    const auto codePoints = std::ranges::count_if(text, std::not_fn(isContinuation));
+    if (codePoints <= limit) return false;
+  }
+  return std::cmp_greater(characterCount(text), limit);
 }
 
 bool isAsciiDigit(char c) {
@@ -307,9 +323,8 @@ void ListingRules::judgeRequired(ListingField field, std::string_view text, cons
 void ListingRules::judgeLength(ListingField field, std::string_view text, const std::string& file,
                                std::vector<ListingFinding>& out) const {
   const auto& about = facts_.field(field);
-  if (!about.limit) return;
+  if (!about.limit || !longerThan(text, *about.limit)) return;
   const std::int64_t count = static_cast<std::int64_t>(characterCount(trimmed(text)));
-  if (count <= *about.limit) return;
   const std::string rule = std::string(fieldKey(field)) + ".length";
   const auto level = levelOf(rule);
   if (!level) return;
@@ -683,7 +698,7 @@ std::optional<std::string> ListingRules::autoFixed(ListingField field, std::stri
   }
   const auto& about = facts_.field(field);
   const std::string rule = std::string(fieldKey(field)) + ".length";
-  if (about.limit && levelOf(rule) && static_cast<std::int64_t>(characterCount(trimmed(current))) > *about.limit) {
+  if (about.limit && levelOf(rule) && longerThan(current, *about.limit)) {
     current = field == ListingField::keywords ? trimKeywordsToLimit(current, *about.limit)
                                               : trimToLimit(current, *about.limit);
   }

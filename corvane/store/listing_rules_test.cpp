@@ -29,6 +29,12 @@ ListingRules rulesFor(const std::string& locale, const ListingConfiguration& con
   return ListingRules(facts(), configuration, locale, RuleContext{.firstVersion = false, .currentYear = 2026});
 }
 
+std::string repeated(std::string_view text, std::size_t times) {
+  std::string result;
+  for (std::size_t i = 0; i < times; ++i) result += text;
+  return result;
+}
+
 struct Case {
   const char* what;
   const char* locale;
@@ -48,6 +54,21 @@ TEST(ListingRulesTest, PlantedFaultsAreFoundAndNearMissesStaySilent) {
        ListingField::name,
        "Notes \U0001F469\u200D\U0001F4BB " + std::string(22, 'x'),
        {}},
+      // Each way a text can be longer in bytes or code points than in characters.
+      {"thirty accented letters", "fr-FR", ListingField::name, repeated("\u00E9", 30), {}},
+      {"thirty-one accented letters", "fr-FR", ListingField::name, repeated("\u00E9", 31), {"name.length"}},
+      {"thirty letters, one with a combining accent",
+       "fr-FR",
+       ListingField::name,
+       std::string(29, 'n') + "e\u0301",
+       {}},
+      {"thirty-one letters with combining accents",
+       "fr-FR",
+       ListingField::name,
+       repeated("e\u0301", 31),
+       {"name.length"}},
+      {"a stray continuation byte counts as a character", "en-US", ListingField::name, std::string(30, 'n') + "\x80", {"name.length"}},
+      {"white space around a full name", "en-US", ListingField::name, "  " + std::string(30, 'n') + "\n", {}},
       {"subtitle is optional", "en-US", ListingField::subtitle, "", {"subtitle.missing"}},
       {"description is required", "en-US", ListingField::description, "", {"description.required"}},
       {"arabic keywords counted in characters",

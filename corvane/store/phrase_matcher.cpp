@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <stdexcept>
 #include <utility>
 
 #include "corvane/text/characters.hpp"
@@ -65,12 +66,10 @@ constexpr std::array<std::uint8_t, 256> kWordBytes = [] {
 }();
 
 // White space is what corvane::isWhitespaceOrNewline says it is; the test is repeated here
-// so that a character's properties are looked up once.
-CharClass classify(std::int32_t codePoint) noexcept {
-  if (codePoint < 0) return CharClass::other;
-  if (codePoint < 0x80) return kAsciiClasses[static_cast<std::size_t>(codePoint)];
+// so that a character's properties are looked up once. Takes a code point from 0x80 on.
+CharClass classify(std::int32_t codePoint, const utf8proc_property_t& property) noexcept {
   if (codePoint == 0x85) return CharClass::space;
-  switch (utf8proc_get_property(codePoint)->category) {
+  switch (property.category) {
     case UTF8PROC_CATEGORY_ZS:
     case UTF8PROC_CATEGORY_ZL:
     case UTF8PROC_CATEGORY_ZP:
@@ -102,6 +101,12 @@ std::size_t decode(const Byte* p, const Byte* end, std::int32_t& codePoint) noex
     codePoint = *p;
     return 1;
   }
+  // Two-byte sequences (Latin, Greek, Cyrillic, Hebrew, Arabic letters) are the most common
+  // after ASCII and are decoded here; the rest is left to utf8proc.
+  if (*p >= 0xC2 && *p < 0xE0 && end - p >= 2 && (p[1] & 0xC0) == 0x80) {
+    codePoint = ((*p & 0x1F) << 6) | (p[1] & 0x3F);
+    return 2;
+  }
   const auto length = utf8proc_iterate(p, end - p, &codePoint);
   if (length > 0) return static_cast<std::size_t>(length);
   codePoint = kInvalidByte;
@@ -112,14 +117,17 @@ char lowerAscii(Byte c) noexcept {
   return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
 }
 
-// Appends the comparison form of a character: its simple lower-case mapping, with ’ as '.
-void appendKey(std::string& keys, std::int32_t codePoint, Byte raw) {
+// Appends the comparison form of the character `bytes` (decoded as `codePoint`, whose
+// properties are `property` from 0x80 on): its simple lower-case mapping, with ’ as '.
+void appendKey(std::string& keys, std::int32_t codePoint, std::string_view bytes, const utf8proc_property_t* property) {
   if (codePoint < 0) {
-    keys += static_cast<char>(raw);
+    keys += bytes.front();
   } else if (codePoint < 0x80) {
-    keys += lowerAscii(raw);
+    keys += lowerAscii(static_cast<Byte>(bytes.front()));
   } else if (codePoint == kRightSingleQuote) {
     keys += '\'';
+  } else if (property->lowercase_seqindex == UINT16_MAX) {
+    keys.append(bytes);  // already lower case, or without case
   } else {
     Byte encoded[4];
     const auto written = utf8proc_encode_char(utf8proc_tolower(codePoint), encoded);
@@ -221,8 +229,19 @@ std::size_t hashKey(std::string_view key) noexcept {
     mix(chunk);
     key.remove_prefix(8);
   }
+  // The last one to seven bytes, read as two overlapping halves rather than byte by byte.
+  const auto load = [&](std::size_t at, std::size_t bytes) {
+    std::uint64_t value = 0;
+    std::memcpy(&value, key.data() + at, bytes);
+    return value;
+  };
+  const auto n = key.size();
   std::uint64_t tail = 0;
-  for (std::size_t i = 0; i < key.size(); ++i) tail |= std::uint64_t{static_cast<unsigned char>(key[i])} << (8 * i);
+  if (n >= 4) {
+    tail = load(0, 4) | (load(n - 4, 4) << 32);
+  } else if (n > 0) {
+    tail = load(0, 1) | (load(n / 2, 1) << 8) | (load(n - 1, 1) << 16);
+  }
   mix(tail);
   return static_cast<std::size_t>(hash);
 }
@@ -233,8 +252,8 @@ void TokenizedText::ownKey(Token& token) {
   if (!token.keyInText) return;
   const auto from = keys_.size();
   keys_.append(text_.substr(token.keyBegin, token.keyEnd - token.keyBegin));
-  token.keyBegin = from;
-  token.keyEnd = keys_.size();
+  token.keyBegin = static_cast<std::uint32_t>(from);
+  token.keyEnd = static_cast<std::uint32_t>(keys_.size());
   token.keyInText = false;
 }
 
@@ -245,6 +264,9 @@ void TokenizedText::assign(std::string_view text) {
 // Splits `text` into tokens (see PhraseMatcher). With `findLinks`, the web and e-mail
 // addresses are found run by run as the tokens are made, and the tokens inside them marked.
 void TokenizedText::split(std::string_view text, bool findLinks) {
+  // Lower-casing makes a key at most half as long again as its text, so offsets into the
+  // keys stay within 32 bits too.
+  if (text.size() > kMaxSize) throw std::length_error("text too long to split into words");
   text_ = text;
   auto& list = tokens_;
   auto& keys = keys_;
@@ -273,7 +295,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     const auto linkEnd = runStart + range->second;
     links_.push_back({linkBegin, linkEnd - linkBegin, linkHost(text.substr(linkBegin, linkEnd - linkBegin))});
     for (auto i = runFirstToken; i < list.size(); ++i) {
-      list[i].inLink = list[i].offset < linkEnd && list[i].offset + list[i].length > linkBegin;
+      list[i].inLink = list[i].offset < linkEnd && std::size_t{list[i].offset} + list[i].length > linkBegin;
     }
   };
   // Kept inline: it runs at every white space, and almost always only clears the run.
@@ -289,8 +311,10 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     mayBeLink = false;
   };
 
+  // Offsets within the text and its keys, which fit 32 bits (see above).
+  const auto keysSize = [&] { return static_cast<std::uint32_t>(keys.size()); };
   for (const Byte* p = begin; p != end;) {
-    const auto offset = static_cast<std::size_t>(p - begin);
+    const auto offset = static_cast<std::uint32_t>(p - begin);
     // Most text is ASCII: white space and whole words are taken here at once, and only the
     // rest is decoded character by character below.
     if (*p < 0x80 && kAsciiClasses[*p] == CharClass::space) {
@@ -304,7 +328,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
       const Byte* wordEnd = p + 1;
       for (std::uint8_t kind = 0; wordEnd != end && (kind = kWordBytes[*wordEnd]) != 0; ++wordEnd) seen |= kind;
       startRun(offset);
-      const auto length = static_cast<std::size_t>(wordEnd - p);
+      const auto length = static_cast<std::uint32_t>(wordEnd - p);
       const bool lowerCase = (seen & kUpperWordByte) == 0;
       // ASCII letters after other letters of a word ("café" then "s") continue it.
       if (previous != CharClass::letter && lowerCase) {
@@ -313,7 +337,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
       } else {
         if (previous != CharClass::letter) {
           mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
-          list.push_back({offset, 0, keys.size(), keys.size(), spaceBefore, false, false});
+          list.push_back({offset, 0, keysSize(), keysSize(), spaceBefore, false, false});
         } else {
           ownKey(list.back());
         }
@@ -321,7 +345,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
         keys.append(reinterpret_cast<const char*>(p), length);
         for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
         list.back().length += length;
-        list.back().keyEnd = keys.size();
+        list.back().keyEnd = keysSize();
       }
       spaceBefore = false;
       previous = CharClass::letter;
@@ -330,10 +354,12 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     }
     std::int32_t codePoint = kInvalidByte;
     const auto length = decode(p, end, codePoint);
-    const Byte raw = *p;
+    const std::string_view bytes = text.substr(offset, length);
     p += length;
-    auto kind =
-        codePoint >= 0 && codePoint < 0x80 ? kAsciiClasses[static_cast<std::size_t>(codePoint)] : classify(codePoint);
+    const utf8proc_property_t* property = codePoint >= 0x80 ? utf8proc_get_property(codePoint) : nullptr;
+    auto kind = codePoint < 0      ? CharClass::other
+                : property == nullptr ? kAsciiClasses[static_cast<std::size_t>(codePoint)]
+                                      : classify(codePoint, *property);
     if (kind == CharClass::space) {
       endRun(offset);
       spaceBefore = true;
@@ -347,7 +373,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     // selector). Only a mark after white space starts a word.
     if (kind == CharClass::mark) {
       if (previous == CharClass::other) {
-        list.back().length += length;
+        list.back().length += static_cast<std::uint32_t>(length);
         continue;
       }
       if (previous == CharClass::space) kind = CharClass::letter;
@@ -356,16 +382,16 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
         kind == CharClass::mark || ((kind == CharClass::letter || kind == CharClass::hangul) && kind == previous);
     if (!continues) {
       mayBeLink = mayBeLink || codePoint == 'w' || codePoint == 'W';
-      list.push_back({offset, 0, keys.size(), 0, spaceBefore, false, false});
+      list.push_back({offset, 0, keysSize(), 0, spaceBefore, false, false});
       spaceBefore = false;
       previous = kind;
     } else {
       ownKey(list.back());
     }
     auto& token = list.back();
-    token.length += length;
-    appendKey(keys, codePoint, raw);
-    token.keyEnd = keys.size();
+    token.length += static_cast<std::uint32_t>(length);
+    appendKey(keys, codePoint, bytes, property);
+    token.keyEnd = keysSize();
   }
   endRun(text.size());
 }
@@ -508,7 +534,7 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const
       continue;
     }
     const auto& last = list[first + length - 1];
-    matches.push_back({list[first].offset, last.offset + last.length - list[first].offset, phrase});
+    matches.push_back({list[first].offset, std::size_t{last.offset} + last.length - list[first].offset, phrase});
     first += length;
   }
   return matches;

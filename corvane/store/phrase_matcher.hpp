@@ -61,10 +61,15 @@ std::vector<LinkSpan> findLinks(std::string_view text);
 /// The text must outlive the object.
 class TokenizedText {
  public:
+  /// The longest text that can be split, in bytes (2 GiB - 1).
+  static constexpr std::size_t kMaxSize = 0x7FFF'FFFF;
+
   TokenizedText() = default;
+  /// Splits `text`, as `assign` does.
   explicit TokenizedText(std::string_view text) { assign(text); }
 
-  /// Splits `text` afresh, reusing the memory of the last text.
+  /// Splits `text` afresh, reusing the memory of the last text. Throws `std::length_error`
+  /// for a text longer than `kMaxSize`.
   void assign(std::string_view text);
 
   /// The text that was split.
@@ -76,11 +81,13 @@ class TokenizedText {
  private:
   friend class PhraseMatcher;
 
+  // Offsets are 32 bits wide: a text has tens of thousands of tokens, and the smaller they
+  // are the faster they are written and read.
   struct Token {
-    std::size_t offset;  // the bytes of the text it covers
-    std::size_t length;
-    std::size_t keyBegin;  // its comparison form, in keys_ or (keyInText) in the text itself
-    std::size_t keyEnd;
+    std::uint32_t offset;  // the bytes of the text it covers
+    std::uint32_t length;
+    std::uint32_t keyBegin;  // its comparison form, in keys_ or (keyInText) in the text itself
+    std::uint32_t keyEnd;
     bool spaceBefore;  // white space separates it from the token before
     bool inLink;
     bool keyInText;  // a word already in lower case is compared where it stands
