@@ -43,6 +43,7 @@ class FileHandle {
  public:
   explicit FileHandle(int descriptor) noexcept : descriptor_(descriptor) {}
   FileHandle(const FileHandle&) = delete;
+  FileHandle(FileHandle&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
   FileHandle& operator=(const FileHandle&) = delete;
   FileHandle& operator=(FileHandle&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
@@ -68,20 +69,31 @@ class Reader {
   // Reads `relative` below the root if it exists as a regular file (or a link to one inside
   // the root). `parentIsLink` says whether a folder between the root and the file is a
   // link, in which case the path is resolved even when the file itself is not a link.
-  ListingText read(const fs::path& folder, std::string_view relative, const std::string& file, bool parentIsLink) {
+  // Opens `folder` (below the root, already checked with checkLink) for `read`.
+  FileHandle openFolder(const fs::path& folder) const {
+    FileHandle handle(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!handle) throw InputError(folder.string() + ": cannot open folder: " + std::strerror(errno));
+    return handle;
+  }
+
+  // Reads `relative` in `folder`, which `directory` holds open (see openFolder).
+  ListingText read(const FileHandle& directory, const fs::path& folder, std::string_view relative,
+                   const std::string& file, bool parentIsLink) {
     ListingText result{
         .text = std::nullopt, .frame = {}, .path = folder / relative, .file = file, .source = TextSource::none};
     const fs::path& path = result.path;
-    // Opened without following a final link, so that one open answers most files; a link
-    // is followed only once it is known to stay inside the root. Non-blocking, so that a
+    // Opened relative to the open folder, so that only the file's own name is looked up;
+    // without following a final link, so that one open answers most files (a link is
+    // followed only once it is known to stay inside the root); non-blocking, so that a
     // named pipe is refused rather than waited on.
+    const std::string name(relative);
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-    FileHandle handle(::open(path.c_str(), kFlags | O_NOFOLLOW));
+    FileHandle handle(::openat(directory.get(), name.c_str(), kFlags | O_NOFOLLOW));
     if (!handle) {
       if (errno == ENOENT || errno == ENOTDIR) return result;
       if (errno != ELOOP) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
       requireInside(path, canonicalRoot_);
-      handle = FileHandle(::open(path.c_str(), kFlags));
+      handle = FileHandle(::openat(directory.get(), name.c_str(), kFlags));
       if (!handle) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
     } else if (parentIsLink) {
       requireInside(path, canonicalRoot_);
@@ -133,9 +145,11 @@ class Reader {
 
 LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path& folder) {
   const bool isLink = reader.checkLink(folder);
+  const FileHandle directory = reader.openFolder(folder);
   LocaleFolder locale{.locale = name, .folder = folder, .texts = {}};
   for (const auto field : kLocaleFields) {
-    locale.text(field) = reader.read(folder, fieldFile(field), name + "/" + std::string(fieldFile(field)), isLink);
+    locale.text(field) =
+        reader.read(directory, folder, fieldFile(field), name + "/" + std::string(fieldFile(field)), isLink);
   }
   return locale;
 }
@@ -221,10 +235,11 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   }
 
   const bool reviewIsLink = reader.checkLink(root / "review_information");
+  const FileHandle rootFolder = reader.openFolder(root);
   for (const auto field : kSharedFields) {
     const std::string_view file = fieldFile(field);
-    listing.sharedText(field) =
-        reader.read(root, file, std::string(file), file.starts_with("review_information/") && reviewIsLink);
+    listing.sharedText(field) = reader.read(rootFolder, root, file, std::string(file),
+                                            file.starts_with("review_information/") && reviewIsLink);
   }
   listing.bytesRead = reader.bytesRead();
   return listing;
