@@ -63,9 +63,9 @@ const fs::path& folder() {
       write(locale / "subtitle.txt", "Notes that check themselves");
       write(locale / "description.txt", description);
       write(locale / "keywords.txt", "notes,writing,checklist,drafts,editor,lists");
-      write(locale / "support_url.txt", "https://example.com/support");
-      write(locale / "marketing_url.txt", "https://example.com/");
-      write(locale / "privacy_url.txt", i % 7 == 0 ? "http://example.com/privacy" : "https://example.com/privacy");
+      write(locale / "support_url.txt", "https://larkspur-notes.app/support");
+      write(locale / "marketing_url.txt", "https://larkspur-notes.app/");
+      write(locale / "privacy_url.txt", i % 7 == 0 ? "http://larkspur-notes.app/privacy" : "https://larkspur-notes.app/privacy");
       write(locale / "promotional_text.txt", prose(150));
       write(locale / "release_notes.txt", notes);
     }
