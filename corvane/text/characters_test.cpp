@@ -326,5 +326,46 @@ TEST(FirstInvalidUtf8Offset, FindsTheFirstMalformedByte) {
   EXPECT_EQ(firstInvalidUtf8Offset(ascii + "\u00E9" + ascii + "\U0001F600"), std::nullopt);
 }
 
+// Whether utf8proc's decoder reads `sequence` as exactly one well-formed character.
+bool utf8procAccepts(const std::string& sequence) {
+  std::int32_t codePoint = 0;
+  const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(sequence.data()),
+                                       static_cast<utf8proc_ssize_t>(sequence.size()), &codePoint);
+  return length == static_cast<utf8proc_ssize_t>(sequence.size());
+}
+
+TEST(FirstInvalidUtf8Offset, AgreesWithTheDecoderOnEveryShortSequence) {
+  // Every lead byte with every second and third byte, and four-byte sequences with the
+  // bytes at the edges of each range; behind an 'a' so that the fault offset is 1.
+  const std::vector<int> edges = {0x00, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0, 0xFF};
+  std::size_t disagreements = 0;
+  std::string sequence;
+  const auto compare = [&] {
+    const bool valid = !firstInvalidUtf8Offset("a" + sequence).has_value();
+    if (valid != utf8procAccepts(sequence) && ++disagreements <= 5) {
+      ADD_FAILURE() << "disagree on " << ::testing::PrintToString(sequence);
+    }
+  };
+  for (int lead = 0x80; lead <= 0xFF; ++lead) {
+    for (int second = 0; second <= 0xFF; ++second) {
+      sequence = {static_cast<char>(lead), static_cast<char>(second)};
+      if (lead < 0xE0) compare();
+      for (int third = 0; third <= 0xFF && lead >= 0xE0 && lead < 0xF0; ++third) {
+        sequence = {static_cast<char>(lead), static_cast<char>(second), static_cast<char>(third)};
+        compare();
+      }
+      for (const int third : edges) {
+        for (const int fourth : edges) {
+          if (lead < 0xF0) break;
+          sequence = {static_cast<char>(lead), static_cast<char>(second), static_cast<char>(third),
+                      static_cast<char>(fourth)};
+          compare();
+        }
+      }
+    }
+  }
+  EXPECT_EQ(disagreements, 0u);
+}
+
 }  // namespace
 }  // namespace corvane
