@@ -117,6 +117,14 @@ char lowerAscii(Byte c) noexcept {
   return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
 }
 
+// Whether the character `bytes` (decoded as `codePoint`, whose properties are `property`
+// from 0x80 on) is its own comparison form, as most characters are.
+bool comparesAsWritten(std::int32_t codePoint, std::string_view bytes, const utf8proc_property_t* property) {
+  if (codePoint < 0) return true;
+  if (codePoint < 0x80) return lowerAscii(static_cast<Byte>(bytes.front())) == bytes.front();
+  return codePoint != kRightSingleQuote && property->lowercase_seqindex == UINT16_MAX;
+}
+
 // Appends the comparison form of the character `bytes` (decoded as `codePoint`, whose
 // properties are `property` from 0x80 on): its simple lower-case mapping, with ’ as '.
 void appendKey(std::string& keys, std::int32_t codePoint, std::string_view bytes, const utf8proc_property_t* property) {
@@ -248,6 +256,12 @@ std::size_t hashKey(std::string_view key) noexcept {
 
 }  // namespace
 
+// Whether `token`'s key is still the text it covers, up to `offset`, so that what is written
+// there next can join the key where it stands.
+bool TokenizedText::keyContinuesInText(const Token& token, std::uint32_t offset) noexcept {
+  return token.keyInText && token.keyEnd == offset;
+}
+
 void TokenizedText::ownKey(Token& token) {
   if (!token.keyInText) return;
   const auto from = keys_.size();
@@ -331,21 +345,20 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
       const auto length = static_cast<std::uint32_t>(wordEnd - p);
       const bool lowerCase = (seen & kUpperWordByte) == 0;
       // ASCII letters after other letters of a word ("café" then "s") continue it.
-      if (previous != CharClass::letter && lowerCase) {
-        mayBeLink = mayBeLink || *p == 'w';
-        list.push_back({offset, length, offset, offset + length, spaceBefore, false, true});
+      if (previous != CharClass::letter) {
+        mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
+        list.push_back({offset, 0, offset, offset, spaceBefore, false, true});
+      }
+      auto& token = list.back();
+      token.length += length;
+      if (lowerCase && keyContinuesInText(token, offset)) {
+        token.keyEnd += length;
       } else {
-        if (previous != CharClass::letter) {
-          mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
-          list.push_back({offset, 0, keysSize(), keysSize(), spaceBefore, false, false});
-        } else {
-          ownKey(list.back());
-        }
+        ownKey(token);
         const auto from = keys.size();
         keys.append(reinterpret_cast<const char*>(p), length);
         for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
-        list.back().length += length;
-        list.back().keyEnd = keysSize();
+        token.keyEnd = keysSize();
       }
       spaceBefore = false;
       previous = CharClass::letter;
@@ -382,16 +395,19 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
         kind == CharClass::mark || ((kind == CharClass::letter || kind == CharClass::hangul) && kind == previous);
     if (!continues) {
       mayBeLink = mayBeLink || codePoint == 'w' || codePoint == 'W';
-      list.push_back({offset, 0, keysSize(), 0, spaceBefore, false, false});
+      list.push_back({offset, 0, offset, offset, spaceBefore, false, true});
       spaceBefore = false;
       previous = kind;
-    } else {
-      ownKey(list.back());
     }
     auto& token = list.back();
     token.length += static_cast<std::uint32_t>(length);
-    appendKey(keys, codePoint, bytes, property);
-    token.keyEnd = keysSize();
+    if (comparesAsWritten(codePoint, bytes, property) && keyContinuesInText(token, offset)) {
+      token.keyEnd += static_cast<std::uint32_t>(length);
+    } else {
+      ownKey(token);
+      appendKey(keys, codePoint, bytes, property);
+      token.keyEnd = keysSize();
+    }
   }
   endRun(text.size());
 }

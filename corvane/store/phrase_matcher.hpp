@@ -90,12 +90,13 @@ class TokenizedText {
     std::uint32_t keyEnd;
     bool spaceBefore;  // white space separates it from the token before
     bool inLink;
-    bool keyInText;  // a word already in lower case is compared where it stands
+    bool keyInText;  // a token already in its comparison form is compared where it stands
   };
 
   void split(std::string_view text, bool findLinks);
   // Moves the key of `token` into keys_, so that more can be appended to it.
   void ownKey(Token& token);
+  static bool keyContinuesInText(const Token& token, std::uint32_t offset) noexcept;
   std::string_view key(const Token& token) const noexcept {
     return (token.keyInText ? text_ : std::string_view(keys_)).substr(token.keyBegin, token.keyEnd - token.keyBegin);
   }

@@ -49,7 +49,7 @@ void expectMatches(const PhraseMatcher& matcher, const std::vector<MatchCase>& c
 const PhraseMatcher& contentRules() {
   static const PhraseMatcher matcher =
       matcherFor({"Android", "Google Play", "Google", "lorem ipsum", "#1", "coming soon", "in a future update", "tizen",
-                  "test", "don’t", "cafe", "äpfel", "example.com", "近日公開", "★★★★★"});
+                  "test", "don’t", "cafe", "äpfel", "example.com", "近日公開", "★★★★★", "mañana", "ελλάδα"});
   return matcher;
 }
 
@@ -71,6 +71,9 @@ TEST(PhraseMatcherTest, MatchesWholeWordsIgnoringCase) {
           {"Dark mode in a future update.", {"in a future update=in a future update"}},
           {"DON’T and don't", {"DON’T=don’t", "don't=don’t"}},
           {"ÄPFEL und Äpfel", {"ÄPFEL=äpfel", "Äpfel=äpfel"}},
+          // Capitals at the start, in the middle and at the end of words with other letters.
+          {"MAÑANA Mañana mañanA maÑana", {"MAÑANA=mañana", "Mañana=mañana", "mañanA=mañana", "maÑana=mañana"}},
+          {"ΕΛΛΆΔΑ ελλάδα ελλάδΑ", {"ΕΛΛΆΔΑ=ελλάδα", "ελλάδα=ελλάδα", "ελλάδΑ=ελλάδα"}},
           {"visit example.com.", {"example.com=example.com"}},
           {"近日公開予定", {"近日公開=近日公開"}},
           {"\u2B50\uFE0FAndroid", {"Android=Android"}},
@@ -99,6 +102,7 @@ TEST(PhraseMatcherTest, NearMissesStaySilent) {
                                     {"dont don t don`t", {}},
                                     {"example. com example .com examplecom", {}},
                                     {"cafe\u0301 café cafes", {}},
+                                    {"mañanas MAÑANAS mañanaΑ", {}},
                                     {"近日", {}},
                                     {"Androidu\u0308", {}},
                                 });
