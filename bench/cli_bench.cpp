@@ -2,6 +2,7 @@
 // files and count their characters. Both report bytes per second over the same files.
 #include "checker.hpp"
 #include "corvane/store/listing_field.hpp"
+#include "corvane/store/listing_folder.hpp"
 #include "corvane/store/store_facts.hpp"
 
 #include "corvane/support/print_line.hpp"
@@ -95,6 +96,19 @@ void BM_ReadAndCountBaseline(benchmark::State& state) {
   state.SetBytesProcessed(bytes);
 }
 BENCHMARK(BM_ReadAndCountBaseline)->Unit(benchmark::kMillisecond);
+
+// Reading the folder as the check does (links checked, `default/` applied, every file
+// validated as UTF-8), without judging it: the part of a check that reading alone costs.
+void BM_ReadFolder(benchmark::State& state) {
+  std::int64_t bytes = 0;
+  for (auto _ : state) {
+    const auto listing = corvane::store::readListingFolder(folder(), corvane::store::StoreFacts::appStore());
+    bytes += static_cast<std::int64_t>(listing.bytesRead);
+    benchmark::DoNotOptimize(listing);
+  }
+  state.SetBytesProcessed(bytes);
+}
+BENCHMARK(BM_ReadFolder)->Unit(benchmark::kMillisecond);
 
 // The whole check as `corvane check` runs it, up to the report (not its printing).
 void BM_CheckFolder(benchmark::State& state) {

@@ -17,6 +17,7 @@ BASELINES = {
     "CacheMissWithEviction/1000": ["MapMissWithEvictionBaseline/1000"],
     "CacheMissWithEviction/100000": ["MapMissWithEvictionBaseline/100000"],
     "BM_CheckFolder": ["BM_ReadAndCountBaseline"],
+    "BM_ReadFolder": ["BM_ReadAndCountBaseline"],
     "TrackerRegisterQueryUnregister/10000": ["TrackerRegisterQueryUnregister/1000"],
 }
 IS_BASELINE = {"utf8procLoop/ascii", "utf8procLoop/mixed", "icuBreakIterator/ascii", "icuBreakIterator/mixed",
