@@ -155,7 +155,8 @@ void writeFindingJson(JsonWriter& json, const ListingFinding& finding) {
   if (finding.position) json.value(finding.position->line); else json.null();
   json.key("column");
   if (finding.position) json.value(finding.position->column); else json.null();
-  json.member("property", std::string(store::fieldKey(finding.field)));
+  json.key("property");
+  if (finding.field) json.value(std::string(store::fieldKey(*finding.field))); else json.null();
   json.member("severity", describe(verdict.severity));
   json.member("message", verdict.message);
   json.member("businessReason", verdict.businessReason);

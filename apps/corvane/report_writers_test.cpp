@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <set>
 #include <sstream>
 #include <string>
@@ -88,6 +89,7 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
   const auto& nameTooLong = locales[0].at("blockers").at(0);
   EXPECT_EQ(nameTooLong.at("file").as_string(), "de-DE/name.txt");
   EXPECT_EQ(nameTooLong.at("rule").as_string(), "name.length");
+  EXPECT_EQ(nameTooLong.at("property").as_string(), "name");
   EXPECT_EQ(nameTooLong.at("line").as_int64(), 1);
   EXPECT_EQ(nameTooLong.at("column").as_int64(), 31);
   EXPECT_EQ(nameTooLong.at("severity").as_string(), "critical");
@@ -104,6 +106,23 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
       (std::set<std::string>{"completedItems", "totalItems", "blockedItems", "status", "canComplete", "nextAction"}));
   EXPECT_EQ(document.at("completion").at("nextAction").as_string(), "de-DE/name.txt");
   EXPECT_TRUE(document.at("fixes").as_array().empty());
+}
+
+TEST(JsonReportTest, AFindingAboutTheFolderItselfHasNoProperty) {
+  corvane::testing::TemporaryFolder temporary;
+  testing::writeFile(temporary.path() / "en-US" / "name.txt", "Larkspur Notes");
+  testing::writeFile(temporary.path() / "en-XY" / "name.txt", "Larkspur Notes");
+  CheckOptions options;
+  options.directory = temporary.path();
+  std::ostringstream out;
+  writeJsonReport(Checker(options).report(), out);
+  const auto document = json::parse(out.str());
+  const auto& blockers = document.at("shared").at("blockers").as_array();
+  const auto unknown = std::ranges::find_if(
+      blockers, [](const json::value& finding) { return finding.at("rule").as_string() == "locale.unknown"; });
+  ASSERT_NE(unknown, blockers.end()) << out.str();
+  EXPECT_EQ(unknown->at("file").as_string(), "en-XY");
+  EXPECT_TRUE(unknown->at("property").is_null());
 }
 
 TEST(TextReportTest, GroupsFindingsAndColoursOnlyWhenAsked) {

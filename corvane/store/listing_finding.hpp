@@ -18,8 +18,8 @@ struct ListingFinding {
   std::string rule;
   /// The level the rule has here (its default or the configuration's).
   RuleLevel level;
-  /// The field judged.
-  ListingField field;
+  /// The field judged; nothing for a finding about the folder itself (`locale.unknown`).
+  std::optional<ListingField> field;
   /// The file the text came from, relative to the metadata folder ("de-DE/name.txt",
   /// "default/description.txt", "copyright.txt"; a folder name for `locale.unknown`).
   std::string file;

@@ -258,7 +258,7 @@ std::optional<RuleLevel> ListingRules::levelOf(std::string_view rule) const {
   return configuration_.levelOf(rule, locale_, info->defaultLevel);
 }
 
-ListingFinding ListingRules::finding(std::string_view rule, RuleLevel level, ListingField field,
+ListingFinding ListingRules::finding(std::string_view rule, RuleLevel level, std::optional<ListingField> field,
                                      const std::string& file, std::optional<TextPosition> position,
                                      ValidationResult verdict, std::optional<std::string> fixedText) const {
   return ListingFinding{.rule = std::string(rule),
@@ -682,7 +682,7 @@ std::vector<ListingFinding> ListingRules::judgeUnknownLocale(const UnknownLocale
   if (folder.suggestion) steps.push_back("Rename the folder " + folder.name + " to " + *folder.suggestion);
   steps.push_back("If the store has added this locale, add \"" + folder.name + "\" to extra-locales in .corvane.toml");
   out.push_back(
-      finding("locale.unknown", *level, ListingField::name, folder.name, std::nullopt,
+      finding("locale.unknown", *level, std::nullopt, folder.name, std::nullopt,
               listingVerdict(*level, message, findRule(catalog_, "locale.unknown")->reason,
                              manual(folder.suggestion ? "Rename it to " + *folder.suggestion : "Rename it",
                                     "Name the folder with one of the store's locale codes", std::move(steps)))));

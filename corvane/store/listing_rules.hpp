@@ -91,7 +91,8 @@ class ListingRules {
   std::optional<std::string> autoFixed(ListingField field, std::string_view text) const;
 
  private:
-  ListingFinding finding(std::string_view rule, RuleLevel level, ListingField field, const std::string& file,
+  ListingFinding finding(std::string_view rule, RuleLevel level, std::optional<ListingField> field,
+                         const std::string& file,
                          std::optional<TextPosition> position, ValidationResult verdict,
                          std::optional<std::string> fixedText = std::nullopt) const;
   void judgeRequired(ListingField field, std::string_view text, const std::string& file,
