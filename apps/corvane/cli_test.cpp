@@ -156,19 +156,41 @@ TEST(CliTest, FixKeepsByteOrderMarkAndLineBreaksAsWritten) {
 }
 
 TEST(CliTest, FieldsSharingAFileThatNeedDifferentFixesChangeNothing) {
+  using Link = void (*)(const fs::path& target, const fs::path& link);
+  const std::vector<std::pair<std::string, Link>> links = {
+      {"symbolic links", [](const fs::path& target, const fs::path& link) { fs::create_symlink(target.filename(), link); }},
+      {"hard links", [](const fs::path& target, const fs::path& link) { fs::create_hard_link(target, link); }}};
+  for (const auto& [kind, makeLink] : links) {
+    SCOPED_TRACE(kind);
+    TemporaryFolder temporary;
+    const auto root = temporary.path();
+    testing::writeFile(root / "en-US" / "shared.txt", std::string(200, 'x') + "\n");
+    makeLink(root / "en-US" / "shared.txt", root / "en-US" / "name.txt");
+    makeLink(root / "en-US" / "shared.txt", root / "en-US" / "promotional_text.txt");
+    const auto before = snapshot(root);
+    for (const auto* mode : {"--fix", "--dry-run"}) {
+      const auto result = run({"check", root.string(), mode});
+      EXPECT_EQ(result.status, exitUsageOrInput) << mode;
+      EXPECT_THAT(result.err, HasSubstr("are the same file")) << mode;
+      EXPECT_EQ(result.out, "") << mode << ": no fix may be listed as made";
+      EXPECT_EQ(snapshot(root), before) << mode;
+      EXPECT_EQ(fs::hard_link_count(root / "en-US" / "shared.txt"), kind == "hard links" ? 3u : 1u) << mode;
+    }
+  }
+}
+
+TEST(CliTest, HardLinkedFieldsThatNeedTheSameFixAreAllWritten) {
   TemporaryFolder temporary;
   const auto root = temporary.path();
-  testing::writeFile(root / "en-US" / "shared.txt", std::string(200, 'x') + "\n");
-  fs::create_symlink("shared.txt", root / "en-US" / "name.txt");
-  fs::create_symlink("shared.txt", root / "en-US" / "promotional_text.txt");
-  const auto before = snapshot(root);
-  for (const auto* mode : {"--fix", "--dry-run"}) {
-    const auto result = run({"check", root.string(), mode});
-    EXPECT_EQ(result.status, exitUsageOrInput) << mode;
-    EXPECT_THAT(result.err, HasSubstr("are the same file")) << mode;
-    EXPECT_EQ(result.out, "") << mode << ": no fix may be listed as made";
-    EXPECT_EQ(snapshot(root), before) << mode;
-  }
+  testing::writeFile(root / "en-US" / "name.txt", std::string(35, 'n'));
+  fs::create_directories(root / "en-GB");
+  fs::create_hard_link(root / "en-US" / "name.txt", root / "en-GB" / "name.txt");
+  const auto result = run({"check", root.string(), "--fix"});
+  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(result.out, HasSubstr("fix: en-GB/name.txt: Trim to 30 characters"));
+  EXPECT_THAT(result.out, HasSubstr("fix: en-US/name.txt: Trim to 30 characters"));
+  EXPECT_EQ(testing::readFile(root / "en-US" / "name.txt"), std::string(30, 'n'));
+  EXPECT_EQ(testing::readFile(root / "en-GB" / "name.txt"), std::string(30, 'n'));
 }
 
 TEST(CliTest, ReportsStayCleanWhateverTheFilesAndFolderNamesHold) {
