@@ -140,6 +140,7 @@ int check(const Invocation& invocation, std::ostream& out, bool colour) {
     // Listed once applied, so that a refused or failed write claims no change.
     checker.applyFixes(fixes);
     if (invocation.format == Format::text) {
+      writeRemovedLines(checker.removedLeftovers(), out);
       writeFixLines(fixes, invocation.options.dryRun, out, colour);
       if (fixes.empty()) out << "Nothing to fix automatically.\n";
     }

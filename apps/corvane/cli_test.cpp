@@ -133,6 +133,44 @@ TEST(CliTest, FixTrimsAtomicallyAndTheNextCheckPassesThatRule) {
   EXPECT_EQ(snapshot(temporary.path()), expected);
 }
 
+TEST(CliTest, FixRemovesTheFilesAnInterruptedRunLeftAndNothingElse) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  testing::writeFile(root / "en-US" / "name.txt", "Corvane");
+  testing::writeFile(root / "texts" / "about.txt", "Notes that check themselves.");
+  fs::create_symlink("../texts/about.txt", root / "en-US" / "description.txt");
+  const std::vector<fs::path> leftovers = {
+      root / "en-US" / ".name.txt.corvane-Ab12Cd", root / "en-US" / ".keywords.txt.corvane-backup-XyZ789",
+      root / ".copyright.txt.corvane-000000",
+      root / "texts" / ".about.txt.corvane-q1W2e3"};  // beside a link's target
+  const std::vector<fs::path> others = {
+      root / "en-US" / ".name.txt.corvane-Ab12C",       root / "en-US" / ".name.txt.corvane-Ab12Cd.bak",
+      root / "en-US" / "name.txt.corvane-Ab12Cd",       root / "en-US" / ".corvane-Ab12Cd",
+      root / "en-US" / ".name.txt.corvane-Ab_2Cd",      root / "en-US" / ".name.txt.corvane-backup-Ab12Cd7",
+      root / "en-US" / ".name.txt.corvane-old-Ab12Cd",  root / "notes" / ".name.txt.corvane-Ab12Cd"};
+  for (const auto& file : leftovers) testing::writeFile(file, "half");
+  for (const auto& file : others) testing::writeFile(file, "mine");
+  fs::create_directories(root / "en-US" / ".subtitle.txt.corvane-Folder");
+
+  const auto dryRun = run({"check", root.string(), "--dry-run"});
+  EXPECT_NE(dryRun.status, exitUsageOrInput) << dryRun.err;
+  for (const auto& file : leftovers) EXPECT_TRUE(fs::exists(file)) << file << ": a dry run writes nothing";
+
+  const auto fixed = run({"check", root.string(), "--fix"});
+  EXPECT_NE(fixed.status, exitUsageOrInput) << fixed.err;
+  for (const auto& file : leftovers) {
+    EXPECT_FALSE(fs::exists(file)) << file;
+    EXPECT_THAT(fixed.out, HasSubstr("removed: " + fs::relative(file, root).string() + " (left by an interrupted run)"));
+  }
+  for (const auto& file : others) EXPECT_EQ(testing::readFile(file), "mine") << file;
+  EXPECT_TRUE(fs::is_directory(root / "en-US" / ".subtitle.txt.corvane-Folder"));
+
+  testing::writeFile(leftovers.front(), "half");
+  const auto json = run({"check", root.string(), "--fix", "--format", "json"});
+  EXPECT_THAT(json.out, HasSubstr("\"removedFiles\": [\n    \"en-US/.name.txt.corvane-Ab12Cd\"\n  ]"));
+  EXPECT_FALSE(fs::exists(leftovers.front()));
+}
+
 TEST(CliTest, FixWritesThroughALinkInsideTheFolder) {
   TemporaryFolder temporary;
   const auto root = temporary.path();

@@ -61,7 +61,8 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
   const auto document = json::parse(out.str()).as_object();
 
   EXPECT_EQ(keysOf(document), (std::set<std::string>{"schemaVersion", "tool", "directory", "locales", "shared",
-                                                     "fixes", "completion", "decision"}));
+                                                     "fixes", "removedFiles", "completion", "decision"}));
+  EXPECT_TRUE(document.at("removedFiles").as_array().empty());
   EXPECT_EQ(document.at("schemaVersion").as_int64(), 1);
   EXPECT_EQ(document.at("tool").at("name").as_string(), "corvane");
   EXPECT_EQ(document.at("directory").as_string(), testing::sourceSample().string());

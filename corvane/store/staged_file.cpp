@@ -2,6 +2,7 @@
 
 #include "corvane/store/input_error.hpp"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <random>
@@ -146,6 +147,36 @@ void StagedFile::commit(const RenameFunction& rename) {
   if (temporary_.empty()) return;
   if (rename(temporary_, path_) != 0) throw InputError(failure(path_, "replace"));
   temporary_.clear();
+}
+
+bool isLeftoverName(std::string_view name) noexcept {
+  constexpr std::size_t kRandom = 6;  // as many as mkstemp's XXXXXX
+  if (name.size() < kRandom || !name.starts_with('.')) return false;
+  const std::string_view random = name.substr(name.size() - kRandom);
+  const bool letters = std::ranges::all_of(random, [](char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+  });
+  if (!letters) return false;
+  std::string_view rest = name.substr(1, name.size() - 1 - kRandom);
+  for (const std::string_view suffix : {std::string_view(".corvane-backup-"), std::string_view(".corvane-")}) {
+    if (rest.size() > suffix.size() && rest.ends_with(suffix)) return true;
+  }
+  return false;
+}
+
+std::vector<fs::path> removeLeftoverFiles(const fs::path& folder) {
+  std::vector<fs::path> removed;
+  std::error_code error;
+  for (fs::directory_iterator entries(folder, error), end; !error && entries != end; entries.increment(error)) {
+    const fs::path& path = entries->path();
+    std::error_code entryError;
+    if (!isLeftoverName(path.filename().string()) || !entries->is_regular_file(entryError) ||
+        entries->is_symlink(entryError)) {
+      continue;
+    }
+    if (::unlink(path.c_str()) == 0) removed.push_back(path);
+  }
+  return removed;
 }
 
 void replaceFiles(const std::vector<std::pair<fs::path, std::string>>& replacements) {

@@ -59,4 +59,14 @@ void replaceFiles(const std::vector<std::pair<std::filesystem::path, std::string
 void replaceFiles(const std::vector<std::pair<std::filesystem::path, std::string>>& replacements,
                   const RenameFunction& rename);
 
+/// Whether `name` is one that `StagedFile` or `replaceFiles` give their files:
+/// `.<file name>.corvane-XXXXXX` or `.<file name>.corvane-backup-XXXXXX`, each X a letter
+/// or a digit.
+bool isLeftoverName(std::string_view name) noexcept;
+
+/// Removes the regular files directly in `folder` whose names `isLeftoverName` knows, the
+/// temporary files and kept originals of a write that was killed part-way, and returns
+/// them. A folder that cannot be read, or a file that cannot be removed, is passed over.
+std::vector<std::filesystem::path> removeLeftoverFiles(const std::filesystem::path& folder);
+
 }  // namespace corvane::store

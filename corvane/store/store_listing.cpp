@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <optional>
+#include <set>
 #include <stdexcept>
 
 #include <sys/stat.h>
@@ -179,6 +180,29 @@ void StoreListing::writeChanges() {
     }
   }
   tracker_->notifyChange();
+}
+
+std::vector<std::string> StoreListing::removeLeftoverFiles() const {
+  // Writes go to where files really are, so a killed write left its files beside the
+  // targets of links as well as in the listing's own folders.
+  std::error_code error;
+  const fs::path root = fs::weakly_canonical(folder_.root, error);
+  std::set<fs::path> folders = {root};
+  auto add = [&](const fs::path& path) {
+    std::error_code pathError;
+    const fs::path real = fs::weakly_canonical(path, pathError);
+    if (!pathError && std::ranges::mismatch(root, real).in1 == root.end()) folders.insert(real.parent_path());
+  };
+  for (const auto& locale : folder_.locales) {
+    for (const auto& text : locale.texts) add(text.path);
+  }
+  for (const auto& text : folder_.shared) add(text.path);
+  add(folder_.root / "default" / fieldFile(ListingField::name));
+  std::vector<std::string> removed;
+  for (const auto& folder : folders) {
+    for (const auto& file : store::removeLeftoverFiles(folder)) removed.push_back(fs::relative(file, root).string());
+  }
+  return removed;
 }
 
 void StoreListing::discardChanges() {

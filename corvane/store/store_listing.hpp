@@ -88,6 +88,12 @@ class StoreListing {
   /// name of a changed file included; throws `InputError` when fields sharing a file disagree.
   std::vector<std::pair<std::filesystem::path, std::string>> pendingWrites() const;
 
+  /// Removes the temporary files and kept originals that a write killed part-way left in
+  /// the listing's folders (see `removeLeftoverFiles`): the top folder, the locale folders,
+  /// `default/`, `review_information/` and the folders that links inside the listing lead
+  /// to. Returns the files removed, relative to the metadata folder.
+  std::vector<std::string> removeLeftoverFiles() const;
+
   /// Throws every edit away.
   void discardChanges();
 
