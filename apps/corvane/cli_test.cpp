@@ -100,6 +100,28 @@ TEST(CliTest, BadInputIsOneLineNamingTheFileAndWritesNothing) {
   EXPECT_EQ(snapshot(temporary.path()), before) << "the too-long German name must not have been trimmed";
 }
 
+TEST(CliTest, AReportThatCannotBeWrittenIsStatus2AndSaysWhetherFilesWereFixed) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  const std::string message = "corvane: cannot write the report to standard output";
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string err;
+  };
+  for (const auto& c : std::vector<Case>{
+           {{"check", sample.string()}, message + "\n"},
+           {{"check", sample.string(), "--format", "json", "--dry-run"}, message + "\n"},
+           {{"rules"}, message + "\n"},
+           {{"--version"}, message + "\n"},
+           {{"check", sample.string(), "--fix"}, message + "; the fixes were written to the files\n"}}) {
+    std::ostream broken(nullptr);  // fails every write, as a closed pipe or a full disk does
+    std::ostringstream err;
+    EXPECT_EQ(runCli(c.arguments, broken, err, {}), exitUsageOrInput) << ::testing::PrintToString(c.arguments);
+    EXPECT_EQ(err.str(), c.err) << ::testing::PrintToString(c.arguments);
+  }
+  EXPECT_EQ(testing::readFile(sample / "de-DE" / "name.txt"), "Corvane Notizen – Notizen, die\n");
+}
+
 TEST(CliTest, DryRunPrintsTheFixesAndWritesNothing) {
   TemporaryFolder temporary;
   const auto sample = testing::copySample(temporary.path() / "metadata");
