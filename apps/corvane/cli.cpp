@@ -178,7 +178,8 @@ std::string usageText() {
          "  --fix                apply automatic fixes (trims, keyword tidying) and write the files\n"
          "  --dry-run            show the automatic fixes without writing anything\n"
          "\n"
-         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error.\n";
+         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error,\n"
+         "a failed write (every file put back) or a report that could not be written.\n";
 }
 
 namespace {
