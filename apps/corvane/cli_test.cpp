@@ -108,12 +108,12 @@ TEST(CliTest, AReportThatCannotBeWrittenIsStatus2AndSaysWhetherFilesWereFixed) {
     std::vector<std::string> arguments;
     std::string err;
   };
-  for (const auto& c : std::vector<Case>{
-           {{"check", sample.string()}, message + "\n"},
-           {{"check", sample.string(), "--format", "json", "--dry-run"}, message + "\n"},
-           {{"rules"}, message + "\n"},
-           {{"--version"}, message + "\n"},
-           {{"check", sample.string(), "--fix"}, message + "; the fixes were written to the files\n"}}) {
+  for (const auto& c :
+       std::vector<Case>{{{"check", sample.string()}, message + "\n"},
+                         {{"check", sample.string(), "--format", "json", "--dry-run"}, message + "\n"},
+                         {{"rules"}, message + "\n"},
+                         {{"--version"}, message + "\n"},
+                         {{"check", sample.string(), "--fix"}, message + "; the fixes were written to the files\n"}}) {
     std::ostream broken(nullptr);  // fails every write, as a closed pipe or a full disk does
     std::ostringstream err;
     EXPECT_EQ(runCli(c.arguments, broken, err, {}), exitUsageOrInput) << ::testing::PrintToString(c.arguments);
@@ -163,13 +163,12 @@ TEST(CliTest, FixRemovesTheFilesAnInterruptedRunLeftAndNothingElse) {
   fs::create_symlink("../texts/about.txt", root / "en-US" / "description.txt");
   const std::vector<fs::path> leftovers = {
       root / "en-US" / ".name.txt.corvane-Ab12Cd", root / "en-US" / ".keywords.txt.corvane-backup-XyZ789",
-      root / ".copyright.txt.corvane-000000",
-      root / "texts" / ".about.txt.corvane-q1W2e3"};  // beside a link's target
+      root / ".copyright.txt.corvane-000000", root / "texts" / ".about.txt.corvane-q1W2e3"};  // beside a link's target
   const std::vector<fs::path> others = {
-      root / "en-US" / ".name.txt.corvane-Ab12C",       root / "en-US" / ".name.txt.corvane-Ab12Cd.bak",
-      root / "en-US" / "name.txt.corvane-Ab12Cd",       root / "en-US" / ".corvane-Ab12Cd",
-      root / "en-US" / ".name.txt.corvane-Ab_2Cd",      root / "en-US" / ".name.txt.corvane-backup-Ab12Cd7",
-      root / "en-US" / ".name.txt.corvane-old-Ab12Cd",  root / "notes" / ".name.txt.corvane-Ab12Cd"};
+      root / "en-US" / ".name.txt.corvane-Ab12C",      root / "en-US" / ".name.txt.corvane-Ab12Cd.bak",
+      root / "en-US" / "name.txt.corvane-Ab12Cd",      root / "en-US" / ".corvane-Ab12Cd",
+      root / "en-US" / ".name.txt.corvane-Ab_2Cd",     root / "en-US" / ".name.txt.corvane-backup-Ab12Cd7",
+      root / "en-US" / ".name.txt.corvane-old-Ab12Cd", root / "notes" / ".name.txt.corvane-Ab12Cd"};
   for (const auto& file : leftovers) testing::writeFile(file, "half");
   for (const auto& file : others) testing::writeFile(file, "mine");
   fs::create_directories(root / "en-US" / ".subtitle.txt.corvane-Folder");
@@ -182,7 +181,8 @@ TEST(CliTest, FixRemovesTheFilesAnInterruptedRunLeftAndNothingElse) {
   EXPECT_NE(fixed.status, exitUsageOrInput) << fixed.err;
   for (const auto& file : leftovers) {
     EXPECT_FALSE(fs::exists(file)) << file;
-    EXPECT_THAT(fixed.out, HasSubstr("removed: " + fs::relative(file, root).string() + " (left by an interrupted run)"));
+    EXPECT_THAT(fixed.out,
+                HasSubstr("removed: " + fs::relative(file, root).string() + " (left by an interrupted run)"));
   }
   for (const auto& file : others) EXPECT_EQ(testing::readFile(file), "mine") << file;
   EXPECT_TRUE(fs::is_directory(root / "en-US" / ".subtitle.txt.corvane-Folder"));
@@ -218,7 +218,8 @@ TEST(CliTest, FixKeepsByteOrderMarkAndLineBreaksAsWritten) {
 TEST(CliTest, FieldsSharingAFileThatNeedDifferentFixesChangeNothing) {
   using Link = void (*)(const fs::path& target, const fs::path& link);
   const std::vector<std::pair<std::string, Link>> links = {
-      {"symbolic links", [](const fs::path& target, const fs::path& link) { fs::create_symlink(target.filename(), link); }},
+      {"symbolic links",
+       [](const fs::path& target, const fs::path& link) { fs::create_symlink(target.filename(), link); }},
       {"hard links", [](const fs::path& target, const fs::path& link) { fs::create_hard_link(target, link); }}};
   for (const auto& [kind, makeLink] : links) {
     SCOPED_TRACE(kind);

@@ -45,7 +45,8 @@ Outcome runProgram(std::vector<std::string> arguments, int out) {
   ::close(errPipe[1]);
   Outcome outcome{-1, {}};
   char buffer[4096];
-  for (ssize_t n; (n = ::read(errPipe[0], buffer, sizeof buffer)) > 0;) outcome.err.append(buffer, static_cast<std::size_t>(n));
+  for (ssize_t n; (n = ::read(errPipe[0], buffer, sizeof buffer)) > 0;)
+    outcome.err.append(buffer, static_cast<std::size_t>(n));
   ::close(errPipe[0]);
   int status = 0;
   ::waitpid(child, &status, 0);

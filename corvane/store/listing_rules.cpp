@@ -5,9 +5,9 @@
 #include "corvane/store/store_facts.hpp"
 #include "corvane/text/characters.hpp"
 
-#include <boost/url/parse.hpp>
 #include <fmt/format.h>
 #include <utf8proc.h>
+#include <boost/url/parse.hpp>
 
 #include <algorithm>
 #include <array>
@@ -369,10 +369,11 @@ void ListingRules::judgeLength(ListingField field, std::string_view text, const 
   const bool keywords = field == ListingField::keywords;
   std::optional<std::string> fixed = keywords ? trimKeywordsToLimit(text, limit) : trimToLimit(text, limit);
   const std::string limitText = plural(limit, "character", "characters");
-  auto byHand = Action{.title = "Shorten it yourself",
-                       .description = "Remove " + plural(excess, "character", "characters") + " where it costs least",
-                       .type = ActionType::manual({"Remove " + plural(excess, "character", "characters") + " from " + file,
-                                                   "Keep the words that matter most to people searching"})};
+  auto byHand =
+      Action{.title = "Shorten it yourself",
+             .description = "Remove " + plural(excess, "character", "characters") + " where it costs least",
+             .type = ActionType::manual({"Remove " + plural(excess, "character", "characters") + " from " + file,
+                                         "Keep the words that matter most to people searching"})};
   // A keyword over the limit on its own cannot be trimmed without cutting it in half.
   auto guidance = fixed ? autoFix("Trim to " + limitText,
                                   keywords ? "Drop the last keywords until the list fits"

@@ -153,9 +153,8 @@ bool isLeftoverName(std::string_view name) noexcept {
   constexpr std::size_t kRandom = 6;  // as many as mkstemp's XXXXXX
   if (name.size() < kRandom || !name.starts_with('.')) return false;
   const std::string_view random = name.substr(name.size() - kRandom);
-  const bool letters = std::ranges::all_of(random, [](char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-  });
+  const bool letters = std::ranges::all_of(
+      random, [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9'); });
   if (!letters) return false;
   std::string_view rest = name.substr(1, name.size() - 1 - kRandom);
   for (const std::string_view suffix : {std::string_view(".corvane-backup-"), std::string_view(".corvane-")}) {
@@ -207,8 +206,8 @@ void replaceFiles(const std::vector<std::pair<fs::path, std::string>>& replaceme
         const int cause = errno;
         unrestored += "; " + path.string() +
                       (kept.empty() ? " stays created (cannot remove it: " + std::string(std::strerror(cause)) + ")"
-                                    : " stays changed; its old contents are in " + kept + " (cannot put them back: " +
-                                          std::strerror(cause) + ")");
+                                    : " stays changed; its old contents are in " + kept +
+                                          " (cannot put them back: " + std::strerror(cause) + ")");
         originals[i].keep();
       }
       message += unrestored.empty() ? "; every file is as it was" : unrestored;

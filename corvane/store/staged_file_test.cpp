@@ -96,7 +96,9 @@ TEST(ReplaceFilesTest, ATargetThatIsNoRegularFileChangesNothing) {
   writeFile(first, "first");
   writeFile(occupied / "inside.txt", "kept");
 
-  EXPECT_THAT(inputErrorOf([&] { replaceFiles({{first, "changed"}, {occupied, "changed"}}); }),
+  EXPECT_THAT(inputErrorOf([&] {
+                replaceFiles({{first, "changed"}, {occupied, "changed"}});
+              }),
               HasSubstr(occupied.string() + ": not a regular file"));
   EXPECT_EQ(readFile(first), "first");
   EXPECT_EQ(readFile(occupied / "inside.txt"), "kept");
@@ -128,8 +130,9 @@ TEST(ReplaceFilesTest, ARenameFailingPartWayPutsBackEveryFileReplacedBeforeIt) {
   ASSERT_EQ(::stat(name.c_str(), &before), 0);
 
   // The third rename (keywords.txt) fails after name.txt and subtitle.txt were replaced.
-  const std::string message = inputErrorOf(
-      [&] { replaceFiles({{name, "new"}, {subtitle, "new"}, {keywords, "new"}}, failingOn({3})); });
+  const std::string message = inputErrorOf([&] {
+    replaceFiles({{name, "new"}, {subtitle, "new"}, {keywords, "new"}}, failingOn({3}));
+  });
   EXPECT_THAT(message, HasSubstr(keywords.string() + ": cannot replace: "));
   EXPECT_THAT(message, HasSubstr("every file is as it was"));
   EXPECT_EQ(readFile(name), "old name\r\n");
@@ -148,8 +151,9 @@ TEST(ReplaceFilesTest, AFileThatCannotBePutBackIsNamedWithWhereItsOldContentsAre
   writeFile(keywords, "old,keywords");
 
   // The second rename fails, and so does the third, which would put name.txt back.
-  const std::string message =
-      inputErrorOf([&] { replaceFiles({{name, "new"}, {keywords, "new"}}, failingOn({2, 3})); });
+  const std::string message = inputErrorOf([&] {
+    replaceFiles({{name, "new"}, {keywords, "new"}}, failingOn({2, 3}));
+  });
   EXPECT_THAT(message, HasSubstr(keywords.string() + ": cannot replace: "));
   EXPECT_THAT(message, HasSubstr(name.string() + " stays changed; its old contents are in "));
   EXPECT_EQ(readFile(name), "new");

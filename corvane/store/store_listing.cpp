@@ -127,9 +127,9 @@ void StoreListing::apply(const ListingEdit& edit) {
 
 std::vector<std::pair<fs::path, std::string>> StoreListing::pendingWrites() const {
   struct Write {
-    fs::path target;       // where the file really is: a link inside the folder is followed
+    fs::path target;  // where the file really is: a link inside the folder is followed
     std::string contents;
-    std::string writer;    // the path the field was read from, for messages
+    std::string writer;                               // the path the field was read from, for messages
     std::optional<std::pair<dev_t, ino_t>> identity;  // nothing for a file yet to be created
   };
   std::vector<Write> writes;
@@ -141,7 +141,9 @@ std::vector<std::pair<fs::path, std::string>> StoreListing::pendingWrites() cons
       const fs::path path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path;
       // Fields share a file through a symbolic link, or a hard link, which no path shows:
       // the device and inode tell.
-      Write write{.target = path, .contents = text.frame.around(property.wrappedValue()), .writer = path.string(),
+      Write write{.target = path,
+                  .contents = text.frame.around(property.wrappedValue()),
+                  .writer = path.string(),
                   .identity = std::nullopt};
       struct stat info {};
       if (::stat(path.c_str(), &info) == 0) {
