@@ -113,8 +113,11 @@ StagedFile::StagedFile(fs::path path, std::string_view contents) : path_(std::mo
   };
   if (exists) {
     // The owner first: changing it may clear the set-id bits that the mode then restores.
-    // Only a privileged process may give a file away; others keep the file as theirs.
-    if (::fchown(fd, original.st_uid, original.st_gid) != 0 && errno != EPERM) fail("keep the owner");
+    // Only a privileged process may give a file away (EPERM otherwise), and none can give
+    // it to an owner unknown in its user namespace (EINVAL); then the file becomes ours.
+    if (::fchown(fd, original.st_uid, original.st_gid) != 0 && errno != EPERM && errno != EINVAL) {
+      fail("keep the owner");
+    }
     if (::fchmod(fd, original.st_mode & 07777) != 0) fail("copy permissions");
   }
   for (std::size_t written = 0; written < contents.size();) {
