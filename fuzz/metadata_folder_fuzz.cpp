@@ -2,17 +2,23 @@
 // is laid out as files of one locale folder in a private temporary folder:
 //
 //   byte 0-1   which of the eleven files exist (bit i: the i-th locale file, bit 10: the
-//              review address in review_information/email_address.txt)
+//              review address in review_information/email_address.txt), and how the
+//              fixes are written (bits 11-15, see `FixSetting`)
 //   then       the locale folder's name, up to the first NUL byte
 //   then       the contents of each existing file in turn, separated by NUL bytes
 //
 // The reader must either return exactly what was written (less trailing line breaks) or
-// refuse the folder with an InputError for a documented reason.
+// refuse the folder with an InputError for a documented reason. Then the fixes are written
+// for real, through links, into read-only files and folders and with a rename failing
+// part-way: afterwards each file must be wholly old or wholly new, never a mix, and no
+// working file may be left behind.
 #include "checker.hpp"
 
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/listing_folder.hpp"
+#include "corvane/store/staged_file.hpp"
 #include "corvane/store/store_facts.hpp"
+#include "corvane/store/store_listing.hpp"
 
 #include "corvane/support/print_line.hpp"
 #include "corvane/text/characters.hpp"
@@ -20,14 +26,20 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 using namespace corvane::cli;
@@ -63,6 +75,104 @@ void writeFile(const fs::path& path, std::string_view contents) {
   std::ofstream(path, std::ios::binary).write(contents.data(), static_cast<std::streamsize>(contents.size()));
 }
 
+std::string readFile(const fs::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+// How the fixes are written, from the high bits of the file mask.
+enum FixSetting : unsigned {
+  kSymbolicLink = 1u << 11,  // promotional_text.txt, when not given, links to name.txt
+  kHardLink = 1u << 12,      // subtitle.txt, when not given, is a hard link to name.txt
+  kReadOnlyFiles = 1u << 13,
+  kReadOnlyFolder = 1u << 14,  // the locale folder (root may write there all the same)
+  kFailingRename = 1u << 15,   // one of the renames fails
+};
+
+// What one name in the folder is: a link's target, or a file's inode and contents.
+struct Entry {
+  std::string link;
+  ino_t inode = 0;
+  std::string contents;
+  friend bool operator==(const Entry&, const Entry&) = default;
+};
+
+std::map<fs::path, Entry> snapshot(const fs::path& root) {
+  std::map<fs::path, Entry> entries;
+  for (const auto& entry : fs::recursive_directory_iterator(root)) {
+    struct stat info {};
+    FUZZ_CHECK(::lstat(entry.path().c_str(), &info) == 0);
+    if (S_ISLNK(info.st_mode)) {
+      entries[entry.path()] = {.link = fs::read_symlink(entry.path()).string(), .inode = 0, .contents = {}};
+    } else if (S_ISREG(info.st_mode)) {
+      entries[entry.path()] = {.link = {}, .inode = info.st_ino, .contents = readFile(entry.path())};
+    }
+  }
+  return entries;
+}
+
+// Writes the fixes for real with the links and permissions that `mask` asks for, then checks
+// that every file is wholly old or wholly new and that nothing else is left in the folder.
+void writeFixesForReal(const fs::path& root, const fs::path& locale, unsigned mask, std::size_t seed) {
+  const fs::path name = locale / "name.txt";
+  if (fs::exists(name)) {
+    if ((mask & kSymbolicLink) && !fs::exists(locale / "promotional_text.txt")) {
+      fs::create_symlink("name.txt", locale / "promotional_text.txt");
+    }
+    if ((mask & kHardLink) && !fs::exists(locale / "subtitle.txt")) fs::create_hard_link(name, locale / "subtitle.txt");
+  }
+  if (mask & kReadOnlyFiles) {
+    for (const auto& entry : fs::directory_iterator(locale)) {
+      if (!entry.is_symlink()) fs::permissions(entry.path(), fs::perms::owner_read | fs::perms::group_read);
+    }
+  }
+  if (mask & kReadOnlyFolder) fs::permissions(locale, fs::perms::owner_read | fs::perms::owner_exec);
+
+  const auto before = snapshot(root);
+  const int failingCall = (mask & kFailingRename) ? 1 + static_cast<int>(seed % 3) : 0;
+  const RenameFunction rename = [failingCall, call = 0](const fs::path& from, const fs::path& to) mutable {
+    if (++call == failingCall) {
+      errno = EIO;
+      return -1;
+    }
+    return ::rename(from.c_str(), to.c_str());
+  };
+  std::vector<std::pair<fs::path, std::string>> writes;
+  bool written = false;
+  try {
+    StoreListing listing(root, StoreFacts::appStore(), {}, RuleContext{.firstVersion = false, .currentYear = 2026});
+    for (const auto& edit : listing.plannedFixes()) listing.apply(edit);
+    writes = listing.pendingWrites();
+    replaceFiles(writes, rename);
+    written = true;
+  } catch (const InputError&) {
+    // Refused (fields sharing a file disagree, a folder that cannot be written) or a
+    // rename failed: nothing may have changed.
+  }
+  fs::permissions(locale, fs::perms::owner_all);
+
+  const auto after = snapshot(root);
+  for (const auto& [path, entry] : before) FUZZ_CHECK(after.contains(path));
+  FUZZ_CHECK(after.size() == before.size());  // no working file left, no file lost
+  for (const auto& item : before) {
+    const fs::path& path = item.first;
+    const Entry& entry = item.second;
+    // A link is never replaced itself; its target is.
+    const auto write = std::ranges::find_if(writes, [&](const auto& w) {
+      std::error_code error;
+      return entry.link.empty() && fs::equivalent(w.first, path, error);
+    });
+    const Entry& now = after.at(path);
+    if (!written || write == writes.end()) {
+      FUZZ_CHECK(now == entry);  // wholly old: the very same file
+    } else {
+      FUZZ_CHECK(now.link == entry.link && now.contents == write->second);  // wholly new
+    }
+  }
+  // Without an injected fault, only a folder this process may not write to stops a write.
+  if (!written && failingCall == 0 && !writes.empty()) FUZZ_CHECK((mask & kReadOnlyFolder) && ::geteuid() != 0);
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -74,6 +184,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size < 2 || size > kMaxInput) return 0;
   const unsigned mask = data[0] | (static_cast<unsigned>(data[1]) << 8);
+  const std::size_t seed = size;
   std::string_view input(reinterpret_cast<const char*>(data) + 2, size - 2);
 
   // Folder names that the file system cannot hold fall back to a plain locale.
@@ -84,6 +195,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
 
   const fs::path root = workFolder() / "metadata";
+  std::error_code ignored;
+  fs::permissions(root / localeName, fs::perms::owner_all, ignored);  // a read-only folder of the last input
   fs::remove_all(root);
   fs::create_directories(root);
   std::array<std::optional<std::string>, kFiles> written;
@@ -139,6 +252,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   } catch (const InputError&) {
     // Refusing is right only for a folder the reader documents as bad.
     FUZZ_CHECK(!isLocale || !anyLocaleFile || !allValid);
+    return 0;
   }
+  writeFixesForReal(root, root / localeName, mask, seed);
   return 0;
 }

@@ -41,6 +41,8 @@ struct CheckReport {
   std::vector<store::ListingEdit> fixes;
   /// Whether the fixes were written to disk.
   bool fixesWritten = false;
+  /// The files an interrupted earlier run left that this run removed, relative to the folder.
+  std::vector<std::string> removedFiles;
   /// The completion guide's counts over every checklist.
   CompletionProgress progress{};
   /// Whether the completion guide would let the submission complete.

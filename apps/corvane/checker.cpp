@@ -49,7 +49,10 @@ void Checker::applyFixes(const std::vector<store::ListingEdit>& fixes) {
   try {
     // Checked before anything is written, so that a dry run foresees a refusal too.
     (void)listing_->pendingWrites();
-    if (!options_.dryRun) listing_->writeChanges();
+    if (!options_.dryRun) {
+      removedLeftovers_ = listing_->removeLeftoverFiles();
+      listing_->writeChanges();
+    }
   } catch (...) {
     listing_->discardChanges();
     throw;
@@ -66,6 +69,7 @@ CheckReport Checker::report() const {
   report.directory = options_.directory;
   report.fixes = appliedFixes_;
   report.fixesWritten = fixesWritten_;
+  report.removedFiles = removedLeftovers_;
   std::vector<CompletionItem> checklist;
   auto fileReport = [&](const store::ListingEntity& entity, std::string name) {
     auto findings = entity.findings();

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace corvane::cli {
@@ -51,7 +52,12 @@ class Checker {
   /// Applies `fixes` as edits and, unless this is a dry run, writes the changed files; a dry
   /// run discards them again, so the report describes the files as they are. Nothing is
   /// written when any file cannot be (`store::InputError`), in a dry run the same checks run.
+  /// A real run first removes what an interrupted earlier run left behind.
   void applyFixes(const std::vector<store::ListingEdit>& fixes);
+
+  /// The files an interrupted earlier run left that `applyFixes` removed, relative to the
+  /// folder.
+  const std::vector<std::string>& removedLeftovers() const { return removedLeftovers_; }
 
   /// The report on the current state, with the checklist filed in an
   /// `AggregateCompletionGuide`.
@@ -61,6 +67,7 @@ class Checker {
   CheckOptions options_;
   std::unique_ptr<store::StoreListing> listing_;
   std::vector<store::ListingEdit> appliedFixes_;
+  std::vector<std::string> removedLeftovers_;
   bool fixesWritten_ = false;
 };
 

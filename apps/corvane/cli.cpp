@@ -132,14 +132,16 @@ int listRules(std::span<const std::string> arguments, std::ostream& out) {
   return exitReady;
 }
 
-int check(const Invocation& invocation, std::ostream& out, bool colour) {
+int check(const Invocation& invocation, std::ostream& out, bool colour, bool& filesWritten) {
   QuietLibrary quiet;
   Checker checker(invocation.options);
   if (invocation.options.fix) {
     const auto fixes = checker.plannedFixes();
     // Listed once applied, so that a refused or failed write claims no change.
     checker.applyFixes(fixes);
+    filesWritten = !invocation.options.dryRun && !fixes.empty();
     if (invocation.format == Format::text) {
+      writeRemovedLines(checker.removedLeftovers(), out);
       writeFixLines(fixes, invocation.options.dryRun, out, colour);
       if (fixes.empty()) out << "Nothing to fix automatically.\n";
     }
@@ -176,10 +178,14 @@ std::string usageText() {
          "  --fix                apply automatic fixes (trims, keyword tidying) and write the files\n"
          "  --dry-run            show the automatic fixes without writing anything\n"
          "\n"
-         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error.\n";
+         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error,\n"
+         "a failed write (every file put back) or a report that could not be written.\n";
 }
 
-int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostream& err, Terminal terminal) {
+namespace {
+
+int dispatch(std::span<const std::string> arguments, std::ostream& out, std::ostream& err, Terminal terminal,
+             bool& filesWritten) {
   try {
     if (arguments.empty()) throw UsageError("missing command; try 'corvane check'");
     const std::string& command = arguments.front();
@@ -201,7 +207,7 @@ int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostre
       }
     }
     const Invocation invocation = parseCheck(rest);
-    return check(invocation, out, terminal.isTerminal && !terminal.noColor);
+    return check(invocation, out, terminal.isTerminal && !terminal.noColor, filesWritten);
   } catch (const UsageError& error) {
     err << "corvane: " << error.what() << "\n" << kUsage;
     return exitUsageOrInput;
@@ -215,6 +221,19 @@ int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostre
     err << "corvane: " << error.what() << '\n';
     return exitUsageOrInput;
   }
+}
+
+}  // namespace
+
+int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostream& err, Terminal terminal) {
+  bool filesWritten = false;
+  const int status = dispatch(arguments, out, err, terminal, filesWritten);
+  out.flush();
+  if (out) return status;
+  // A full disk or a closed pipe: the report is lost, so the run cannot count as passed.
+  err << "corvane: cannot write the report to standard output"
+      << (filesWritten ? "; the fixes were written to the files" : "") << '\n';
+  return exitUsageOrInput;
 }
 
 }  // namespace corvane::cli

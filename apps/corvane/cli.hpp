@@ -13,7 +13,8 @@ enum ExitStatus : int {
   exitReady = 0,
   /// Something blocks submission.
   exitBlocked = 1,
-  /// A usage error or bad input; nothing was written.
+  /// A usage error or bad input (nothing was written), a failed write (every file put
+  /// back), or a report that could not be written.
   exitUsageOrInput = 2,
 };
 
@@ -27,7 +28,9 @@ struct Terminal {
 
 /// Runs the `corvane` command line `arguments` (without the program name), writing the
 /// report to `out` and errors to `err`, and returns the exit status. Colour is used only
-/// on a terminal without NO_COLOR and never in JSON.
+/// on a terminal without NO_COLOR and never in JSON. When `out` fails (a full disk, a
+/// closed pipe; with SIGPIPE ignored) the status is `exitUsageOrInput` and `err` says
+/// so, and whether fixes were written all the same.
 int runCli(std::span<const std::string> arguments, std::ostream& out, std::ostream& err, Terminal terminal);
 
 /// The usage text printed by --help.

@@ -100,6 +100,28 @@ TEST(CliTest, BadInputIsOneLineNamingTheFileAndWritesNothing) {
   EXPECT_EQ(snapshot(temporary.path()), before) << "the too-long German name must not have been trimmed";
 }
 
+TEST(CliTest, AReportThatCannotBeWrittenIsStatus2AndSaysWhetherFilesWereFixed) {
+  TemporaryFolder temporary;
+  const auto sample = testing::copySample(temporary.path() / "metadata");
+  const std::string message = "corvane: cannot write the report to standard output";
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string err;
+  };
+  for (const auto& c :
+       std::vector<Case>{{{"check", sample.string()}, message + "\n"},
+                         {{"check", sample.string(), "--format", "json", "--dry-run"}, message + "\n"},
+                         {{"rules"}, message + "\n"},
+                         {{"--version"}, message + "\n"},
+                         {{"check", sample.string(), "--fix"}, message + "; the fixes were written to the files\n"}}) {
+    std::ostream broken(nullptr);  // fails every write, as a closed pipe or a full disk does
+    std::ostringstream err;
+    EXPECT_EQ(runCli(c.arguments, broken, err, {}), exitUsageOrInput) << ::testing::PrintToString(c.arguments);
+    EXPECT_EQ(err.str(), c.err) << ::testing::PrintToString(c.arguments);
+  }
+  EXPECT_EQ(testing::readFile(sample / "de-DE" / "name.txt"), "Corvane Notizen – Notizen, die\n");
+}
+
 TEST(CliTest, DryRunPrintsTheFixesAndWritesNothing) {
   TemporaryFolder temporary;
   const auto sample = testing::copySample(temporary.path() / "metadata");
@@ -133,6 +155,44 @@ TEST(CliTest, FixTrimsAtomicallyAndTheNextCheckPassesThatRule) {
   EXPECT_EQ(snapshot(temporary.path()), expected);
 }
 
+TEST(CliTest, FixRemovesTheFilesAnInterruptedRunLeftAndNothingElse) {
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  testing::writeFile(root / "en-US" / "name.txt", "Corvane");
+  testing::writeFile(root / "texts" / "about.txt", "Notes that check themselves.");
+  fs::create_symlink("../texts/about.txt", root / "en-US" / "description.txt");
+  const std::vector<fs::path> leftovers = {
+      root / "en-US" / ".name.txt.corvane-Ab12Cd", root / "en-US" / ".keywords.txt.corvane-backup-XyZ789",
+      root / ".copyright.txt.corvane-000000", root / "texts" / ".about.txt.corvane-q1W2e3"};  // beside a link's target
+  const std::vector<fs::path> others = {
+      root / "en-US" / ".name.txt.corvane-Ab12C",      root / "en-US" / ".name.txt.corvane-Ab12Cd.bak",
+      root / "en-US" / "name.txt.corvane-Ab12Cd",      root / "en-US" / ".corvane-Ab12Cd",
+      root / "en-US" / ".name.txt.corvane-Ab_2Cd",     root / "en-US" / ".name.txt.corvane-backup-Ab12Cd7",
+      root / "en-US" / ".name.txt.corvane-old-Ab12Cd", root / "notes" / ".name.txt.corvane-Ab12Cd"};
+  for (const auto& file : leftovers) testing::writeFile(file, "half");
+  for (const auto& file : others) testing::writeFile(file, "mine");
+  fs::create_directories(root / "en-US" / ".subtitle.txt.corvane-Folder");
+
+  const auto dryRun = run({"check", root.string(), "--dry-run"});
+  EXPECT_NE(dryRun.status, exitUsageOrInput) << dryRun.err;
+  for (const auto& file : leftovers) EXPECT_TRUE(fs::exists(file)) << file << ": a dry run writes nothing";
+
+  const auto fixed = run({"check", root.string(), "--fix"});
+  EXPECT_NE(fixed.status, exitUsageOrInput) << fixed.err;
+  for (const auto& file : leftovers) {
+    EXPECT_FALSE(fs::exists(file)) << file;
+    EXPECT_THAT(fixed.out,
+                HasSubstr("removed: " + fs::relative(file, root).string() + " (left by an interrupted run)"));
+  }
+  for (const auto& file : others) EXPECT_EQ(testing::readFile(file), "mine") << file;
+  EXPECT_TRUE(fs::is_directory(root / "en-US" / ".subtitle.txt.corvane-Folder"));
+
+  testing::writeFile(leftovers.front(), "half");
+  const auto json = run({"check", root.string(), "--fix", "--format", "json"});
+  EXPECT_THAT(json.out, HasSubstr("\"removedFiles\": [\n    \"en-US/.name.txt.corvane-Ab12Cd\"\n  ]"));
+  EXPECT_FALSE(fs::exists(leftovers.front()));
+}
+
 TEST(CliTest, FixWritesThroughALinkInsideTheFolder) {
   TemporaryFolder temporary;
   const auto root = temporary.path();
@@ -156,19 +216,42 @@ TEST(CliTest, FixKeepsByteOrderMarkAndLineBreaksAsWritten) {
 }
 
 TEST(CliTest, FieldsSharingAFileThatNeedDifferentFixesChangeNothing) {
+  using Link = void (*)(const fs::path& target, const fs::path& link);
+  const std::vector<std::pair<std::string, Link>> links = {
+      {"symbolic links",
+       [](const fs::path& target, const fs::path& link) { fs::create_symlink(target.filename(), link); }},
+      {"hard links", [](const fs::path& target, const fs::path& link) { fs::create_hard_link(target, link); }}};
+  for (const auto& [kind, makeLink] : links) {
+    SCOPED_TRACE(kind);
+    TemporaryFolder temporary;
+    const auto root = temporary.path();
+    testing::writeFile(root / "en-US" / "shared.txt", std::string(200, 'x') + "\n");
+    makeLink(root / "en-US" / "shared.txt", root / "en-US" / "name.txt");
+    makeLink(root / "en-US" / "shared.txt", root / "en-US" / "promotional_text.txt");
+    const auto before = snapshot(root);
+    for (const auto* mode : {"--fix", "--dry-run"}) {
+      const auto result = run({"check", root.string(), mode});
+      EXPECT_EQ(result.status, exitUsageOrInput) << mode;
+      EXPECT_THAT(result.err, HasSubstr("are the same file")) << mode;
+      EXPECT_EQ(result.out, "") << mode << ": no fix may be listed as made";
+      EXPECT_EQ(snapshot(root), before) << mode;
+      EXPECT_EQ(fs::hard_link_count(root / "en-US" / "shared.txt"), kind == "hard links" ? 3u : 1u) << mode;
+    }
+  }
+}
+
+TEST(CliTest, HardLinkedFieldsThatNeedTheSameFixAreAllWritten) {
   TemporaryFolder temporary;
   const auto root = temporary.path();
-  testing::writeFile(root / "en-US" / "shared.txt", std::string(200, 'x') + "\n");
-  fs::create_symlink("shared.txt", root / "en-US" / "name.txt");
-  fs::create_symlink("shared.txt", root / "en-US" / "promotional_text.txt");
-  const auto before = snapshot(root);
-  for (const auto* mode : {"--fix", "--dry-run"}) {
-    const auto result = run({"check", root.string(), mode});
-    EXPECT_EQ(result.status, exitUsageOrInput) << mode;
-    EXPECT_THAT(result.err, HasSubstr("are the same file")) << mode;
-    EXPECT_EQ(result.out, "") << mode << ": no fix may be listed as made";
-    EXPECT_EQ(snapshot(root), before) << mode;
-  }
+  testing::writeFile(root / "en-US" / "name.txt", std::string(35, 'n'));
+  fs::create_directories(root / "en-GB");
+  fs::create_hard_link(root / "en-US" / "name.txt", root / "en-GB" / "name.txt");
+  const auto result = run({"check", root.string(), "--fix"});
+  EXPECT_EQ(result.err, "");
+  EXPECT_THAT(result.out, HasSubstr("fix: en-GB/name.txt: Trim to 30 characters"));
+  EXPECT_THAT(result.out, HasSubstr("fix: en-US/name.txt: Trim to 30 characters"));
+  EXPECT_EQ(testing::readFile(root / "en-US" / "name.txt"), std::string(30, 'n'));
+  EXPECT_EQ(testing::readFile(root / "en-GB" / "name.txt"), std::string(30, 'n'));
 }
 
 TEST(CliTest, ReportsStayCleanWhateverTheFilesAndFolderNamesHold) {

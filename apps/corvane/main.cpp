@@ -5,6 +5,7 @@
 
 #include <spdlog/common.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -19,10 +20,8 @@ int main(int argc, char** argv) {
   const char* noColor = std::getenv("NO_COLOR");
   const corvane::cli::Terminal terminal{.isTerminal = ::isatty(STDOUT_FILENO) == 1,
                                         .noColor = noColor != nullptr && *noColor != '\0'};
-  const int status = corvane::cli::runCli(arguments, std::cout, std::cerr, terminal);
-  std::cout.flush();
-  if (std::cout) return status;
-  // A full disk or a closed pipe: the report is lost, so the run cannot count as passed.
-  std::cerr << "corvane: cannot write the report to standard output\n";
-  return corvane::cli::exitUsageOrInput;
+  // A reader that goes away early (`corvane check | head`) must not end the program
+  // before it can say so: writes then fail with EPIPE, which runCli reports with status 2.
+  std::signal(SIGPIPE, SIG_IGN);
+  return corvane::cli::runCli(arguments, std::cout, std::cerr, terminal);
 }

@@ -199,6 +199,10 @@ void writeFixLines(const std::vector<store::ListingEdit>& fixes, bool dryRun, st
   }
 }
 
+void writeRemovedLines(const std::vector<std::string>& files, std::ostream& out) {
+  for (const auto& file : files) out << "removed: " << visible(file) << " (left by an interrupted run)\n";
+}
+
 namespace {
 
 void writeSection(const LocaleReport& section, std::string_view title, std::ostream& out, const Paint& paint) {
@@ -311,6 +315,10 @@ void writeJsonReport(const CheckReport& report, std::ostream& out) {
     json.member("written", report.fixesWritten);
     json.endObject();
   }
+  json.endArray();
+  json.key("removedFiles");
+  json.beginArray();
+  for (const auto& file : report.removedFiles) json.value(file);
   json.endArray();
   json.key("completion");
   json.beginObject();

@@ -3,6 +3,7 @@
 #include "check_report.hpp"
 
 #include <ostream>
+#include <string>
 #include <vector>
 
 namespace corvane::cli {
@@ -15,6 +16,10 @@ inline constexpr std::int64_t kJsonSchemaVersion = 1;
 /// characters", "would fix: ..." on a dry run) with the text before and after for the short
 /// fields.
 void writeFixLines(const std::vector<store::ListingEdit>& fixes, bool dryRun, std::ostream& out, bool colour);
+
+/// Prints one line per file that an interrupted earlier run left and this one removed
+/// ("removed: de-DE/.name.txt.corvane-Ab12Cd (left by an interrupted run)").
+void writeRemovedLines(const std::vector<std::string>& files, std::ostream& out);
 
 /// The human-readable report: per locale, then for the shared files, the four groups with
 /// message, business reason, primary action and rule, the checklist, then the completion

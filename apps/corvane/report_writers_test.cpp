@@ -61,8 +61,9 @@ TEST(JsonReportTest, FollowsTheDocumentedSchema) {
   writeJsonReport(sampleReport(), out);
   const auto document = json::parse(out.str()).as_object();
 
-  EXPECT_EQ(keysOf(document), (std::set<std::string>{"schemaVersion", "tool", "directory", "locales", "shared",
-                                                     "fixes", "completion", "decision"}));
+  EXPECT_EQ(keysOf(document), (std::set<std::string>{"schemaVersion", "tool", "directory", "locales", "shared", "fixes",
+                                                     "removedFiles", "completion", "decision"}));
+  EXPECT_TRUE(document.at("removedFiles").as_array().empty());
   EXPECT_EQ(document.at("schemaVersion").as_int64(), 1);
   EXPECT_EQ(document.at("tool").at("name").as_string(), "corvane");
   EXPECT_EQ(document.at("directory").as_string(), testing::sourceSample().string());

@@ -55,14 +55,14 @@ std::string trimToLimit(std::string_view text, std::int64_t limit) {
       trimmed(prefixCharacters(trimmed(text), static_cast<std::size_t>(std::max<std::int64_t>(limit, 0)))));
 }
 
-std::string trimKeywordsToLimit(std::string_view text, std::int64_t limit) {
+std::optional<std::string> trimKeywordsToLimit(std::string_view text, std::int64_t limit) {
   std::string cut = trimToLimit(text, limit);
   // `cut` is a prefix of the trimmed text; it ends between keywords when a comma or
-  // nothing follows it.
+  // nothing follows it, and otherwise goes back to the comma before the keyword it cut.
   const std::string_view rest = trimmed(text).substr(cut.size());
-  const auto lastComma = cut.rfind(',');
-  if (!trimmed(rest).empty() && !trimmed(rest).starts_with(',') && lastComma != std::string::npos) {
-    cut.resize(lastComma);
+  if (!trimmed(rest).empty() && !trimmed(rest).starts_with(',')) {
+    const auto comma = cut.rfind(',');
+    cut.resize(comma == std::string::npos ? 0 : comma);
   }
   // No comma or white space dangles at the end ("notes,lists, " is "notes,lists"). `cut`
   // starts with no white space, so trimming only shortens it.
@@ -70,8 +70,10 @@ std::string trimKeywordsToLimit(std::string_view text, std::int64_t limit) {
     const std::size_t kept = trimmed(cut).size();
     const bool comma = kept > 0 && cut[kept - 1] == ',';
     cut.resize(comma ? kept - 1 : kept);
-    if (!comma) return cut;
+    if (!comma) break;
   }
+  if (splitKeywords(cut).empty()) return std::nullopt;
+  return cut;
 }
 
 }  // namespace corvane::store

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,8 +31,8 @@ std::string withoutDuplicateKeywords(std::string_view list);
 std::string trimToLimit(std::string_view text, std::int64_t limit);
 
 /// A keyword list trimmed like `trimToLimit`, but cut after the last whole keyword that
-/// fits, with no comma left at the end. A first keyword longer than the limit is cut like
-/// any text.
-std::string trimKeywordsToLimit(std::string_view text, std::int64_t limit);
+/// fits, with no comma left at the end. Nothing when not even the first keyword fits: a
+/// keyword is never cut in half, so such a list is left for its owner to shorten.
+std::optional<std::string> trimKeywordsToLimit(std::string_view text, std::int64_t limit);
 
 }  // namespace corvane::store

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,15 +13,18 @@ TEST(KeywordListTest, TrimsToWholeKeywordsAndWholeCharacters) {
   struct Case {
     std::string list;
     std::int64_t limit;
-    std::string expected;
+    std::optional<std::string> expected;  // nothing: not even the first keyword fits
   };
   for (const auto& c : std::vector<Case>{{"alpha,beta,gamma", 12, "alpha,beta"},
                                          {"alpha,beta,gamma", 10, "alpha,beta"},
                                          {"alpha, beta ,gamma", 13, "alpha, beta"},
                                          {"alpha,beta,,gamma", 11, "alpha,beta"},
                                          {"alpha,beta", 20, "alpha,beta"},
-                                         {"supercalifragilistic,word", 5, "super"},
-                                         {" , ,alpha", 2, ""}}) {
+                                         {"word,supercalifragilistic", 5, "word"},
+                                         // a keyword is never cut: the list is left for its owner
+                                         {"supercalifragilistic,word", 5, std::nullopt},
+                                         {"supercalifragilistic", 5, std::nullopt},
+                                         {" , ,alpha", 2, std::nullopt}}) {
     EXPECT_EQ(trimKeywordsToLimit(c.list, c.limit), c.expected) << c.list << " to " << c.limit;
   }
   EXPECT_EQ(trimToLimit("  abc def  ", 4), "abc");

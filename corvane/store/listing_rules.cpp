@@ -3,10 +3,11 @@
 #include "corvane/store/closest_match.hpp"
 #include "corvane/store/keyword_list.hpp"
 #include "corvane/store/store_facts.hpp"
-#include "corvane/support/url.hpp"
 #include "corvane/text/characters.hpp"
 
 #include <fmt/format.h>
+#include <utf8proc.h>
+#include <boost/url/parse.hpp>
 
 #include <algorithm>
 #include <array>
@@ -70,6 +71,56 @@ ActionGuidance autoFix(std::string title, std::string description, Action altern
       .helpURL = std::nullopt,
       .estimatedTime = "< 1 minute",
   };
+}
+
+// Whether `address` holds white space, a control character or an invisible formatting one
+// (a no-break or zero-width space, a direction override) anywhere: none belongs in an address,
+// and the invisible ones would send people somewhere other than it seems.
+bool hasSpaceOrControl(std::string_view address) {
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(address.data());
+  for (std::size_t at = 0; at < address.size();) {
+    utf8proc_int32_t codePoint = 0;
+    const auto length = utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(address.size() - at), &codePoint);
+    if (length <= 0) return true;  // not UTF-8: the reader refuses such files before rules run
+    at += static_cast<std::size_t>(length);
+    const auto category = utf8proc_category(codePoint);
+    if (isWhitespaceOrNewline(static_cast<char32_t>(codePoint)) || category == UTF8PROC_CATEGORY_CC ||
+        category == UTF8PROC_CATEGORY_CF || category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_ZL ||
+        category == UTF8PROC_CATEGORY_ZP) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// Whether the URI names a host: an IP address, or a name of dot-separated labels of
+// letters, digits, hyphens and underscores (a final dot allowed). A URI may leave the host
+// empty or percent-encode it, but no browser reaches such an address.
+bool isLookupHost(const boost::urls::url_view& url) {
+  switch (url.host_type()) {
+    case boost::urls::host_type::ipv4:
+    case boost::urls::host_type::ipv6:
+      return true;
+    case boost::urls::host_type::name:
+      break;
+    default:
+      return false;
+  }
+  std::string_view host = url.encoded_host();
+  if (host.ends_with('.')) host.remove_suffix(1);
+  if (host.empty()) return false;
+  std::size_t label = 0;
+  for (const char c : host) {
+    if (c == '.') {
+      if (label == 0) return false;
+      label = 0;
+    } else if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_') {
+      ++label;
+    } else {
+      return false;
+    }
+  }
+  return label > 0;
 }
 
 // Where the (count + 1)th character of `text` starts, counting from its first character
@@ -331,15 +382,21 @@ void ListingRules::judgeLength(ListingField field, std::string_view text, const 
   const std::int64_t limit = *about.limit;
   const std::int64_t excess = count - limit;
   const bool keywords = field == ListingField::keywords;
-  std::string fixed = keywords ? trimKeywordsToLimit(text, limit) : trimToLimit(text, limit);
+  std::optional<std::string> fixed = keywords ? trimKeywordsToLimit(text, limit) : trimToLimit(text, limit);
   const std::string limitText = plural(limit, "character", "characters");
-  auto guidance = autoFix(
-      "Trim to " + limitText,
-      keywords ? "Drop the last keywords until the list fits" : "Cut the text after its last character that fits",
+  auto byHand =
       Action{.title = "Shorten it yourself",
              .description = "Remove " + plural(excess, "character", "characters") + " where it costs least",
              .type = ActionType::manual({"Remove " + plural(excess, "character", "characters") + " from " + file,
-                                         "Keep the words that matter most to people searching"})});
+                                         "Keep the words that matter most to people searching"})};
+  // A keyword over the limit on its own cannot be trimmed without cutting it in half.
+  auto guidance = fixed ? autoFix("Trim to " + limitText,
+                                  keywords ? "Drop the last keywords until the list fits"
+                                           : "Cut the text after its last character that fits",
+                                  std::move(byHand))
+                        : manual("Shorten the first keyword", "It is longer than the whole list may be",
+                                 {"Replace the first keyword in " + file + " with a shorter one",
+                                  "Keep the words that matter most to people searching"});
   const std::string message =
       fmt::format("{}: {} too long ({} of {})", about.label, plural(excess, "character", "characters"), count, limit);
   out.push_back(finding(rule, *level, field, file, positionAt(text, offsetAfterCharacters(text, limit)),
@@ -461,18 +518,13 @@ void ListingRules::judgeUrl(ListingField field, std::string_view text, const std
                             std::vector<ListingFinding>& out) const {
   const std::string label = facts_.field(field).label;
   const std::string_view address = trimmed(text);
-  // Schemes are case-insensitive; an address needs a host after the scheme ("https://"
-  // alone parses, but leads nowhere), and white space or control characters never belong in one.
-  const auto separator = address.find("://");
-  const std::string scheme =
-      separator == std::string_view::npos ? std::string() : lowercased(address.substr(0, separator));
-  const std::string_view rest =
-      separator == std::string_view::npos ? std::string_view() : address.substr(separator + 3);
-  const bool hasHost = !rest.empty() && rest.find_first_of("/?#") != 0;
-  const bool clean =
-      std::ranges::none_of(address, [](char c) { return static_cast<unsigned char>(c) <= ' ' || c == 0x7F; });
-  const auto url = Url::parse(address);
-  if (!url || !clean || !hasHost || (scheme != "https" && scheme != "http")) {
+  const bool clean = !hasSpaceOrControl(address);
+  // Schemes are case-insensitive; an address needs a host a browser can look up after the
+  // scheme ("https://" or "https://user@/" parse as URIs, but lead nowhere).
+  const auto parsed = boost::urls::parse_uri(address);
+  const std::string scheme = parsed ? lowercased(parsed->scheme()) : std::string();
+  const bool hasHost = parsed && parsed->has_authority() && isLookupHost(*parsed);
+  if (!clean || !hasHost || (scheme != "https" && scheme != "http")) {
     if (const auto level = levelOf("url.invalid")) {
       const std::string problem =
           !clean ? " contains a space or a control character" : " is not a complete web address";
@@ -699,8 +751,11 @@ std::optional<std::string> ListingRules::autoFixed(ListingField field, std::stri
   const auto& about = facts_.field(field);
   const std::string rule = std::string(fieldKey(field)) + ".length";
   if (about.limit && levelOf(rule) && longerThan(current, *about.limit)) {
-    current = field == ListingField::keywords ? trimKeywordsToLimit(current, *about.limit)
-                                              : trimToLimit(current, *about.limit);
+    if (field != ListingField::keywords) {
+      current = trimToLimit(current, *about.limit);
+    } else if (auto cut = trimKeywordsToLimit(current, *about.limit)) {
+      current = std::move(*cut);
+    }
   }
   if (current == text) return std::nullopt;
   return current;

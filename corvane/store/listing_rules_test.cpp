@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -87,6 +88,26 @@ TEST(ListingRulesTest, PlantedFaultsAreFoundAndNearMissesStaySilent) {
       {"scheme in capitals", "en-US", ListingField::privacyUrl, "HTTPS://larkspur-notes.app/privacy", {}},
       {"no host", "en-US", ListingField::supportUrl, "https://", {"url.invalid"}},
       {"a space inside", "en-US", ListingField::supportUrl, "https://larkspur notes.app", {"url.invalid"}},
+      {"a space in the path", "en-US", ListingField::supportUrl, "https://larkspur-notes.app/a b", {"url.invalid"}},
+      {"a control character", "en-US", ListingField::supportUrl, "https://larkspur-notes.app/\x01", {"url.invalid"}},
+      {"a no-break space", "en-US", ListingField::supportUrl, "https://larkspur-notes.app/\u00A0x", {"url.invalid"}},
+      {"a zero-width space", "en-US", ListingField::privacyUrl, "https://larkspur\u200B-notes.app", {"url.invalid"}},
+      {"user but no host", "en-US", ListingField::supportUrl, "https://user@/help", {"url.invalid"}},
+      {"port but no host", "en-US", ListingField::marketingUrl, "https://:443/help", {"url.invalid"}},
+      {"an encoded space in the host",
+       "en-US",
+       ListingField::supportUrl,
+       "https://larkspur%20notes.app/",
+       {"url.invalid"}},
+      {"an empty label in the host", "en-US", ListingField::supportUrl, "https://larkspur..app/", {"url.invalid"}},
+      {"no scheme", "en-US", ListingField::supportUrl, "larkspur-notes.app/help", {"url.invalid"}},
+      {"another scheme", "en-US", ListingField::supportUrl, "ftp://larkspur-notes.app/help", {"url.invalid"}},
+      {"port, query and fragment",
+       "en-US",
+       ListingField::supportUrl,
+       "https://larkspur-notes.app:8443/h?q=a%20b#top",
+       {}},
+      {"an address literal", "en-US", ListingField::supportUrl, "https://[2001:db8::1]/help", {}},
       {"placeholder domain", "en-US", ListingField::marketingUrl, "https://www.example.com/", {"address.placeholder"}},
       {"a URL that merely contains test",
        "en-US",
@@ -245,6 +266,42 @@ TEST(ListingRulesTest, AutoFixesApplyInTurn) {
   EXPECT_EQ(rules.autoFixed(ListingField::keywords, "notes,lists"), std::nullopt);
   EXPECT_EQ(rules.autoFixed(ListingField::name, std::string(29, 'n') + " extra"), std::string(29, 'n'));
   EXPECT_EQ(rules.autoFixed(ListingField::description, "fine"), std::nullopt);
+}
+
+TEST(ListingRulesTest, AKeywordLongerThanTheLimitIsReportedButNeverCut) {
+  const auto rules = rulesFor("en-US");
+  const std::string lone(101, 'k');
+  for (const auto& list : {lone, lone + ",notes", " " + lone + " , notes"}) {
+    SCOPED_TRACE(list);
+    const auto found = rules.judge(ListingField::keywords, list, "en-US/keywords.txt");
+    const auto length = std::ranges::find(found, std::string("keywords.length"), &ListingFinding::rule);
+    ASSERT_NE(length, found.end());
+    EXPECT_EQ(length->fixedText, std::nullopt);
+    ASSERT_TRUE(length->verdict.actionGuidance.has_value());
+    EXPECT_FALSE(length->verdict.actionGuidance->primaryAction.type.isAutoFix());
+    const auto fixed = rules.autoFixed(ListingField::keywords, list);
+    EXPECT_TRUE(!fixed || fixed->starts_with(lone)) << *fixed;
+  }
+  // Tidying still applies; only the cut is left to the owner.
+  EXPECT_EQ(rules.autoFixed(ListingField::keywords, lone + " , notes"), lone + ",notes");
+  EXPECT_EQ(rules.autoFixed(ListingField::keywords, "notes," + lone), "notes");
+}
+
+TEST(ListingRulesTest, AddressMessagesSayWhatIsWrong) {
+  const auto rules = rulesFor("en-US");
+  struct AddressCase {
+    std::string address;
+    std::string message;
+  };
+  for (const auto& c : std::vector<AddressCase>{
+           {"https://larkspur-notes.app/a b", "Support URL contains a space or a control character"},
+           {"https://larkspur-notes.app/\u00A0x", "Support URL contains a space or a control character"},
+           {"https://larkspur-notes.app/\u202Eevil", "Support URL contains a space or a control character"},
+           {"https://user@/help", "Support URL is not a complete web address"}}) {
+    const auto found = rules.judge(ListingField::supportUrl, c.address, "en-US/support_url.txt");
+    ASSERT_EQ(found.size(), 1u) << c.address;
+    EXPECT_EQ(found[0].verdict.message, c.message) << c.address;
+  }
 }
 
 TEST(ListingRulesTest, UnknownLocaleSuggestsTheClosestCode) {

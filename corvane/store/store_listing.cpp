@@ -7,7 +7,13 @@
 #include "corvane/tracking/unified_change_tracker.hpp"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <optional>
+#include <set>
 #include <stdexcept>
+
+#include <sys/stat.h>
 
 namespace corvane::store {
 namespace fs = std::filesystem;
@@ -120,34 +126,52 @@ void StoreListing::apply(const ListingEdit& edit) {
 }
 
 std::vector<std::pair<fs::path, std::string>> StoreListing::pendingWrites() const {
-  std::vector<std::pair<fs::path, std::string>> writes;
-  std::vector<std::string> writers;
+  struct Write {
+    fs::path target;  // where the file really is: a link inside the folder is followed
+    std::string contents;
+    std::string writer;                               // the path the field was read from, for messages
+    std::optional<std::pair<dev_t, ino_t>> identity;  // nothing for a file yet to be created
+  };
+  std::vector<Write> writes;
   auto collect = [&](const ListingEntity& entity) {
     for (const auto field : entity.fields()) {
       const auto& property = entity.property(field);
       if (!property.hasChanged()) continue;
       const auto& text = source(entity, field);
       const fs::path path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path;
-      std::error_code error;
-      // Through a link inside the folder the target is rewritten, so fields that share a
-      // file are found by where it really is.
-      fs::path target = fs::exists(path, error) ? fs::canonical(path, error) : path;
-      if (error) throw InputError(path.string() + ": cannot resolve: " + error.message());
-      std::string contents = text.frame.around(property.wrappedValue());
-      const auto same = std::ranges::find(writes, target, &std::pair<fs::path, std::string>::first);
-      if (same == writes.end()) {
-        writes.emplace_back(std::move(target), std::move(contents));
-        writers.push_back(path.string());
-      } else if (same->second != contents) {
-        throw InputError(path.string() + " and " + writers[static_cast<std::size_t>(same - writes.begin())] +
-                         " are the same file (" + target.string() +
+      // Fields share a file through a symbolic link, or a hard link, which no path shows:
+      // the device and inode tell.
+      Write write{.target = path,
+                  .contents = text.frame.around(property.wrappedValue()),
+                  .writer = path.string(),
+                  .identity = std::nullopt};
+      struct stat info {};
+      if (::stat(path.c_str(), &info) == 0) {
+        std::error_code error;
+        write.target = fs::canonical(path, error);
+        if (error) throw InputError(path.string() + ": cannot resolve: " + error.message());
+        write.identity = std::pair(info.st_dev, info.st_ino);
+      } else if (errno != ENOENT) {
+        throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
+      }
+      const auto same = std::ranges::find_if(writes, [&](const Write& other) {
+        return write.identity ? other.identity == write.identity : other.target == write.target;
+      });
+      if (same != writes.end() && same->contents != write.contents) {
+        const std::string shared = same->target == write.target ? same->target.string() : "hard links";
+        throw InputError(write.writer + " and " + same->writer + " are the same file (" + shared +
                          ") and need different changes; edit it by hand or stop sharing it");
       }
+      // A hard link's other names get the same contents: a rename replaces one name only.
+      if (same == writes.end() || same->target != write.target) writes.push_back(std::move(write));
     }
   };
   for (const auto& locale : locales_) collect(*locale);
   collect(*shared_);
-  return writes;
+  std::vector<std::pair<fs::path, std::string>> result;
+  result.reserve(writes.size());
+  for (auto& write : writes) result.emplace_back(std::move(write.target), std::move(write.contents));
+  return result;
 }
 
 void StoreListing::writeChanges() {
@@ -158,6 +182,29 @@ void StoreListing::writeChanges() {
     }
   }
   tracker_->notifyChange();
+}
+
+std::vector<std::string> StoreListing::removeLeftoverFiles() const {
+  // Writes go to where files really are, so a killed write left its files beside the
+  // targets of links as well as in the listing's own folders.
+  std::error_code error;
+  const fs::path root = fs::weakly_canonical(folder_.root, error);
+  std::set<fs::path> folders = {root};
+  auto add = [&](const fs::path& path) {
+    std::error_code pathError;
+    const fs::path real = fs::weakly_canonical(path, pathError);
+    if (!pathError && std::ranges::mismatch(root, real).in1 == root.end()) folders.insert(real.parent_path());
+  };
+  for (const auto& locale : folder_.locales) {
+    for (const auto& text : locale.texts) add(text.path);
+  }
+  for (const auto& text : folder_.shared) add(text.path);
+  add(folder_.root / "default" / fieldFile(ListingField::name));
+  std::vector<std::string> removed;
+  for (const auto& folder : folders) {
+    for (const auto& file : store::removeLeftoverFiles(folder)) removed.push_back(fs::relative(file, root).string());
+  }
+  return removed;
 }
 
 void StoreListing::discardChanges() {

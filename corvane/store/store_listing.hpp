@@ -78,14 +78,21 @@ class StoreListing {
   /// Writes every changed field's file and marks the changes saved. Every new file is
   /// written beside its old one before any replaces it, with the old file's byte-order mark
   /// and final line breaks; a link inside the folder has its target rewritten. Fields that
-  /// share one file (through `default/` or links) must agree on its new contents. Throws
+  /// share one file (through `default/`, symbolic or hard links, told apart by device and
+  /// inode) must agree on its new contents. Throws
   /// `InputError` naming the file, with every file and every edit as they were, when
   /// they do not or a file cannot be written.
   void writeChanges();
 
-  /// The files `writeChanges()` would write (target path, new contents); throws
-  /// `InputError` when fields sharing a file disagree.
+  /// The files `writeChanges()` would write (target path, new contents), each hard-linked
+  /// name of a changed file included; throws `InputError` when fields sharing a file disagree.
   std::vector<std::pair<std::filesystem::path, std::string>> pendingWrites() const;
+
+  /// Removes the temporary files and kept originals that a write killed part-way left in
+  /// the listing's folders (see `removeLeftoverFiles`): the top folder, the locale folders,
+  /// `default/`, `review_information/` and the folders that links inside the listing lead
+  /// to. Returns the files removed, relative to the metadata folder.
+  std::vector<std::string> removeLeftoverFiles() const;
 
   /// Throws every edit away.
   void discardChanges();
