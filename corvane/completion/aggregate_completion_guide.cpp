@@ -24,13 +24,34 @@ bool isDone(const CompletionItem& item) {
   return item.status.isCompleted();
 }
 
-std::int64_t countIf(const Items& items, bool (*predicate)(const CompletionItem&)) {
-  return std::count_if(items.begin(), items.end(), predicate);
-}
+// The counts the guide's answers are made of, taken in one pass over every entity's items
+// rather than over a copy of them all.
+struct Tally {
+  std::int64_t total = 0;
+  std::int64_t completed = 0;
+  std::int64_t required = 0;
+  std::int64_t blocked = 0;
+  std::int64_t optionalLeft = 0;  // optional items not completed
+  bool allRequiredCompleted = true;
 
-bool allRequiredCompleted(const Items& items) {
-  return std::all_of(items.begin(), items.end(),
-                     [](const auto& item) { return !isRequired(item.priority) || isDone(item); });
+  CompletionProgress progress() const { return CompletionProgress{completed, total, required, total - required, blocked}; }
+};
+
+template <typename EntityItems>
+Tally tally(const EntityItems& entities) {
+  Tally counts;
+  for (const auto& [id, items] : entities) {
+    for (const auto& item : items) {
+      const bool required = isRequired(item.priority);
+      ++counts.total;
+      counts.completed += isDone(item);
+      counts.required += required;
+      counts.blocked += item.status.isBlocked();
+      counts.optionalLeft += !required && !item.status.isCompleted();
+      if (required && !isDone(item)) counts.allRequiredCompleted = false;
+    }
+  }
+  return counts;
 }
 
 }  // namespace
@@ -114,11 +135,7 @@ std::vector<CompletionItem> AggregateCompletionGuide::optionalItems() const {
 }
 
 CompletionProgress AggregateCompletionGuide::completionProgress() const {
-  const auto items = allItems();
-  const auto required = countIf(items, [](const CompletionItem& item) { return isRequired(item.priority); });
-  const auto total = static_cast<std::int64_t>(items.size());
-  return CompletionProgress{countIf(items, isDone), total, required, total - required,
-                            countIf(items, [](const CompletionItem& item) { return item.status.isBlocked(); })};
+  return tally(entityCompletionItems()).progress();
 }
 
 double AggregateCompletionGuide::completionPercentage() const {
@@ -131,7 +148,8 @@ CompletionStatus AggregateCompletionGuide::completionStatus() const {
 }
 
 bool AggregateCompletionGuide::canComplete() const {
-  return allRequiredCompleted(allItems()) && completionProgress().blockedItems < 1;
+  const auto counts = tally(entityCompletionItems());
+  return counts.allRequiredCompleted && counts.blocked < 1;
 }
 
 bool AggregateCompletionGuide::hasIncompleteItems(std::string_view entityId) const {
@@ -148,13 +166,16 @@ std::vector<std::string> AggregateCompletionGuide::entitiesWithIncompleteItems()
 }
 
 std::optional<CompletionItem> AggregateCompletionGuide::nextActionItem() const {
-  std::optional<CompletionItem> best;
-  for (auto& item : allItems()) {
-    if (isDone(item)) continue;
-    // Only a strictly higher priority displaces the current choice: the first of equals wins.
-    if (!best || best->priority < item.priority) best = std::move(item);
+  const CompletionItem* best = nullptr;
+  for (const auto& [id, items] : entityCompletionItems()) {
+    for (const auto& item : items) {
+      if (isDone(item)) continue;
+      // Only a strictly higher priority displaces the current choice: the first of equals wins.
+      if (best == nullptr || best->priority < item.priority) best = &item;
+    }
   }
-  return best;
+  if (best == nullptr) return std::nullopt;
+  return *best;
 }
 
 boost::asio::awaitable<void> AggregateCompletionGuide::refreshCompletion() {
@@ -204,10 +225,9 @@ std::vector<CompletionItem> AggregateCompletionGuide::allItems() const {
 }
 
 void AggregateCompletionGuide::updateCompletionStatus() {
-  const auto items = allItems();
-  const auto p = completionProgress();
-  const auto optionalLeft = countIf(
-      items, [](const CompletionItem& item) { return !isRequired(item.priority) && !item.status.isCompleted(); });
+  const auto counts = tally(entityCompletionItems());
+  const auto p = counts.progress();
+  const auto optionalLeft = counts.optionalLeft;
   CompletionStatus status = CompletionStatus::inProgress(p.completedItems, p.totalItems);
   if (p.completedItems == 0 && p.totalItems == 0) {
     status = CompletionStatus::notStarted();
@@ -215,7 +235,7 @@ void AggregateCompletionGuide::updateCompletionStatus() {
     status = CompletionStatus::hasBlockingIssues(p.blockedItems);
   } else if (p.completedItems == p.totalItems) {
     status = CompletionStatus::readyForSubmission();
-  } else if (p.completedItems < p.totalItems && optionalLeft > 0 && allRequiredCompleted(items)) {
+  } else if (p.completedItems < p.totalItems && optionalLeft > 0 && counts.allRequiredCompleted) {
     status = CompletionStatus::hasOptionalItems(optionalLeft);
   }
   setCompletionStatus(status);
