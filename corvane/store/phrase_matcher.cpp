@@ -216,9 +216,14 @@ std::string linkHost(std::string_view link) {
   return lowercased(domain.substr(0, domain.find_first_of("/?#")));
 }
 
-// The bit of PhraseMatcher::firstTokenBits_ for a token's hash.
-std::pair<std::size_t, std::uint64_t> filterBit(std::size_t hash) noexcept {
-  const auto bit = (hash >> 7) % 4096;
+// The bit of PhraseMatcher::firstTokenBits_ for a token. It is taken from the token's length
+// and its first and last bytes only, so that the many words of a text that start no phrase
+// are passed over before their whole key is hashed.
+std::pair<std::size_t, std::uint64_t> filterBit(std::string_view key) noexcept {
+  const std::uint32_t front = static_cast<unsigned char>(key.front());
+  const std::uint32_t back = static_cast<unsigned char>(key.back());
+  const std::uint32_t mixed = (static_cast<std::uint32_t>(key.size()) << 16 | front << 8 | back) * 0x9E3779B1u;
+  const auto bit = mixed >> 20;  // the top 12 bits: 0 to 4095
   return {bit / 64, std::uint64_t{1} << (bit % 64)};
 }
 
@@ -486,7 +491,7 @@ std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
   if (2 * (firstTokens_ + 1) > firstPhrase_.size()) grow();
   const auto key = firstKey(entry);
   const auto hash = hashKey(key);
-  const auto [word, bit] = filterBit(hash);
+  const auto [word, bit] = filterBit(key);
   firstTokenBits_[word] |= bit;
   const auto slot = slotOf(key, hash);
   if (firstPhrase_[slot] == kNone) {
@@ -533,10 +538,9 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const
     std::pair<std::size_t, std::size_t> best{0, 0};
     if (list[first].inLink) return best;
     const auto key = text.key(list[first]);
-    const auto hash = hashKey(key);
-    const auto [word, bit] = filterBit(hash);
+    const auto [word, bit] = filterBit(key);
     if ((firstTokenBits_[word] & bit) == 0) return best;
-    for (auto index = firstPhrase_[slotOf(key, hash)]; index != kNone; index = phrases_[index].next) {
+    for (auto index = firstPhrase_[slotOf(key, hashKey(key))]; index != kNone; index = phrases_[index].next) {
       const auto length = phrases_[index].tokenEnd - phrases_[index].tokenBegin;
       if (length > best.first && matchesAt(phrases_[index], text, first)) best = {length, index};
     }

@@ -193,8 +193,8 @@ class PhraseMatcher {
   std::vector<std::size_t> firstPhrase_;
   std::vector<std::size_t> lastPhrase_;  // the chain's end, beside firstPhrase_, for appending
   std::size_t firstTokens_ = 0;          // the slots in use
-  // One bit for the hash of each first token, set in `add`: most words of a text miss here
-  // and are passed over without searching the table.
+  // One bit for each first token (by its length and first and last bytes), set in `add`:
+  // most words of a text miss here and are passed over without being hashed.
   std::array<std::uint64_t, 64> firstTokenBits_{};
 };
 
