@@ -261,12 +261,6 @@ std::size_t hashKey(std::string_view key) noexcept {
 
 }  // namespace
 
-// Whether `token`'s key is still the text it covers, up to `offset`, so that what is written
-// there next can join the key where it stands.
-bool TokenizedText::keyContinuesInText(const Token& token, std::uint32_t offset) noexcept {
-  return token.keyInText && token.keyEnd == offset;
-}
-
 void TokenizedText::ownKey(Token& token) {
   if (!token.keyInText) return;
   const auto from = keys_.size();

@@ -96,7 +96,11 @@ class TokenizedText {
   void split(std::string_view text, bool findLinks);
   // Moves the key of `token` into keys_, so that more can be appended to it.
   void ownKey(Token& token);
-  static bool keyContinuesInText(const Token& token, std::uint32_t offset) noexcept;
+  // Whether `token`'s key is still the text it covers, up to `offset`, so that what is
+  // written there next can join the key where it stands.
+  static bool keyContinuesInText(const Token& token, std::uint32_t offset) noexcept {
+    return token.keyInText && token.keyEnd == offset;
+  }
   std::string_view key(const Token& token) const noexcept {
     return (token.keyInText ? text_ : std::string_view(keys_)).substr(token.keyBegin, token.keyEnd - token.keyBegin);
   }
