@@ -1,11 +1,10 @@
 #include "report_writers.hpp"
 
-#include "json_writer.hpp"
-
 #include "corvane/results/validation_severity.hpp"
 #include "corvane/support/describe.hpp"
 #include "corvane/version.hpp"
 
+#include <fmt/color.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -21,24 +20,25 @@ using ItemStatus = CompletionItem::CompletionStatus;
 using store::ListingFinding;
 using store::kRuleLevels;
 
+// Colours through fmt's terminal styles; without colour the text is returned as it is.
 class Paint {
  public:
   explicit Paint(bool enabled) : enabled_(enabled) {}
-  std::string operator()(std::string_view code, std::string_view text) const {
+  std::string operator()(fmt::text_style style, std::string_view text) const {
     if (!enabled_) return std::string(text);
-    return fmt::format("\x1b[{}m{}\x1b[0m", code, text);
+    return fmt::format(style, "{}", text);
   }
 
  private:
   bool enabled_;
 };
 
-constexpr std::string_view kBold = "1";
-constexpr std::string_view kRed = "31";
-constexpr std::string_view kYellow = "33";
-constexpr std::string_view kCyan = "36";
-constexpr std::string_view kGreen = "32";
-constexpr std::string_view kDim = "2";
+const fmt::text_style kBold = fmt::emphasis::bold;
+const fmt::text_style kRed = fg(fmt::terminal_color::red);
+const fmt::text_style kYellow = fg(fmt::terminal_color::yellow);
+const fmt::text_style kCyan = fg(fmt::terminal_color::cyan);
+const fmt::text_style kGreen = fg(fmt::terminal_color::green);
+const fmt::text_style kDim = fmt::emphasis::faint;
 
 std::string_view heading(RuleLevel level) {
   switch (level) {
@@ -54,7 +54,7 @@ std::string_view heading(RuleLevel level) {
   return {};
 }
 
-std::string_view colourOf(RuleLevel level) {
+fmt::text_style colourOf(RuleLevel level) {
   switch (level) {
     case RuleLevel::blocker:
       return kRed;
@@ -64,35 +64,6 @@ std::string_view colourOf(RuleLevel level) {
       return kCyan;
     case RuleLevel::opportunity:
       return kGreen;
-  }
-  return {};
-}
-
-std::string_view actionTypeName(const ActionGuidance::Action::ActionType& type) {
-  if (type.isAutoFix()) return "autoFix";
-  if (type.isQuickFix()) return "quickFix";
-  if (type.isManual()) return "manual";
-  return "external";
-}
-
-std::string_view statusName(const ItemStatus& status) {
-  if (status.isCompleted()) return "completed";
-  if (status.isBlocked()) return "blocked";
-  if (status.isMissing()) return "missing";
-  if (status.isOptional()) return "optional";
-  return "inProgress";
-}
-
-std::string_view priorityName(CompletionItem::Priority priority) {
-  switch (priority) {
-    case CompletionItem::Priority::optional:
-      return "optional";
-    case CompletionItem::Priority::recommended:
-      return "recommended";
-    case CompletionItem::Priority::required:
-      return "required";
-    case CompletionItem::Priority::critical:
-      return "critical";
   }
   return {};
 }
@@ -146,45 +117,6 @@ std::string itemMark(const ItemStatus& status, const Paint& paint) {
   return paint(kDim, "[-]");
 }
 
-void writeFindingJson(JsonWriter& json, const ListingFinding& finding) {
-  const auto& verdict = finding.verdict;
-  json.beginObject();
-  json.member("rule", finding.rule);
-  json.member("file", finding.file);
-  json.key("line");
-  if (finding.position) json.value(finding.position->line); else json.null();
-  json.key("column");
-  if (finding.position) json.value(finding.position->column); else json.null();
-  json.key("property");
-  if (finding.field) json.value(std::string(store::fieldKey(*finding.field))); else json.null();
-  json.member("severity", describe(verdict.severity));
-  json.member("message", verdict.message);
-  json.member("businessReason", verdict.businessReason);
-  json.key("primaryAction");
-  if (verdict.actionGuidance) {
-    const auto& action = verdict.actionGuidance->primaryAction;
-    json.beginObject();
-    json.member("title", action.title);
-    json.member("description", action.description);
-    json.member("type", actionTypeName(action.type));
-    json.endObject();
-  } else {
-    json.null();
-  }
-  json.member("suggestedFix", verdict.suggestedFix);
-  json.endObject();
-}
-
-void writeItemJson(JsonWriter& json, const CompletionItem& item) {
-  json.beginObject();
-  json.member("id", item.id);
-  json.member("title", item.title);
-  json.member("status", statusName(item.status));
-  json.member("priority", priorityName(item.priority));
-  json.member("detail", item.description);
-  json.endObject();
-}
-
 }  // namespace
 
 void writeFixLines(const std::vector<store::ListingEdit>& fixes, bool dryRun, std::ostream& out, bool colour) {
@@ -227,17 +159,6 @@ void writeSection(const LocaleReport& section, std::string_view title, std::ostr
   }
 }
 
-void writeGroupsJson(JsonWriter& json, const std::vector<ListingFinding>& findings) {
-  for (const auto level : kRuleLevels) {
-    json.key(categoryKey(level));
-    json.beginArray();
-    for (const auto& finding : findings) {
-      if (finding.level == level) writeFindingJson(json, finding);
-    }
-    json.endArray();
-  }
-}
-
 }  // namespace
 
 void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) {
@@ -265,83 +186,6 @@ void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) 
   } else {
     out << paint(kGreen, "Decision: ready to submit") << " - " << counts << '\n';
   }
-}
-
-void writeJsonReport(const CheckReport& report, std::ostream& out) {
-  JsonWriter json(out);
-  json.beginObject();
-  json.member("schemaVersion", kJsonSchemaVersion);
-  json.key("tool");
-  json.beginObject();
-  json.member("name", "corvane");
-  json.member("version", CorvaneVersionString);
-  json.endObject();
-  json.member("directory", report.directory.string());
-  json.key("locales");
-  json.beginArray();
-  for (const auto& locale : report.locales) {
-    json.beginObject();
-    json.member("locale", locale.locale);
-    // Shared findings are listed under every locale too, as the schema has always done.
-    std::vector<ListingFinding> findings = locale.findings;
-    findings.insert(findings.end(), report.shared.findings.begin(), report.shared.findings.end());
-    std::ranges::stable_sort(findings, {}, &ListingFinding::level);
-    writeGroupsJson(json, findings);
-    json.key("checklist");
-    json.beginArray();
-    for (const auto& item : locale.checklist) writeItemJson(json, item);
-    json.endArray();
-    json.endObject();
-  }
-  json.endArray();
-  json.key("shared");
-  json.beginObject();
-  writeGroupsJson(json, report.shared.findings);
-  json.key("checklist");
-  json.beginArray();
-  for (const auto& item : report.shared.checklist) writeItemJson(json, item);
-  json.endArray();
-  json.endObject();
-  json.key("fixes");
-  json.beginArray();
-  for (const auto& change : report.fixes) {
-    json.beginObject();
-    json.member("file", change.file);
-    json.member("action", change.action);
-    json.member("charactersBefore", change.charactersBefore);
-    json.member("charactersAfter", change.charactersAfter);
-    json.member("before", change.before);
-    json.member("after", change.after);
-    json.member("written", report.fixesWritten);
-    json.endObject();
-  }
-  json.endArray();
-  json.key("removedFiles");
-  json.beginArray();
-  for (const auto& file : report.removedFiles) json.value(file);
-  json.endArray();
-  json.key("completion");
-  json.beginObject();
-  json.member("completedItems", report.progress.completedItems);
-  json.member("totalItems", report.progress.totalItems);
-  json.member("blockedItems", report.progress.blockedItems);
-  json.member("status", completionSummary(report));
-  json.member("canComplete", report.canComplete);
-  json.key("nextAction");
-  if (report.nextAction)
-    json.value(report.nextAction->id);
-  else
-    json.null();
-  json.endObject();
-  json.key("decision");
-  json.beginObject();
-  json.member("canSubmit", !report.blocked());
-  for (const auto level : kRuleLevels) {
-    json.key(categoryKey(level));
-    json.value(report.count(level));
-  }
-  json.endObject();
-  json.endObject();
 }
 
 }  // namespace corvane::cli

@@ -2,6 +2,8 @@
 
 #include "check_report.hpp"
 
+#include "corvane/store/rule_catalog.hpp"
+
 #include <ostream>
 #include <string>
 #include <vector>
@@ -29,5 +31,8 @@ void writeTextReport(const CheckReport& report, std::ostream& out, bool colour);
 
 /// The report as one JSON document; README.md documents its layout.
 void writeJsonReport(const CheckReport& report, std::ostream& out);
+
+/// The rule catalog as JSON: {"rules": [{"id", "defaultLevel", "checks", "why"}, ...]}.
+void writeRulesJson(const std::vector<store::RuleInfo>& catalog, std::ostream& out);
 
 }  // namespace corvane::cli
