@@ -6,6 +6,7 @@
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/listing_configuration.hpp"
 #include "corvane/store/rule_catalog.hpp"
+#include "corvane/store/staged_file.hpp"
 #include "corvane/store/store_facts.hpp"
 
 #include "corvane/resources/corvane_resources.hpp"
@@ -16,16 +17,23 @@
 
 #include <algorithm>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 
 namespace corvane::cli {
 namespace {
 
-enum class Format { text, json };
+enum class Format { text, json, sarif, github, junit };
 
 struct Invocation {
   CheckOptions options;
   Format format = Format::text;
+  // The least urgent level that still makes the exit status 1.
+  store::RuleLevel failOn = store::RuleLevel::blocker;
+  // Findings only: no headings, checklist, fixes or summary.
+  bool quiet = false;
+  // Where the report goes instead of standard output.
+  std::optional<std::filesystem::path> output;
 };
 
 class UsageError final : public std::runtime_error {
@@ -75,7 +83,11 @@ std::string usageMessage(const CLI::ParseError& error, const CLI::App& app) {
 }
 
 Format formatNamed(const std::string& name) {
-  return name == "json" ? Format::json : Format::text;
+  if (name == "json") return Format::json;
+  if (name == "sarif") return Format::sarif;
+  if (name == "github") return Format::github;
+  if (name == "junit") return Format::junit;
+  return Format::text;
 }
 
 // The library prints diagnostics lines (such as its combine trace) on standard output;
@@ -105,32 +117,74 @@ int listRules(Format format, std::ostream& out) {
   return exitReady;
 }
 
-int check(const Invocation& invocation, std::ostream& out, bool colour, bool& filesWritten) {
-  QuietLibrary quiet;
-  Checker checker(invocation.options);
+// Applies any fixes, writes the report and returns it.
+CheckReport writeReport(const Invocation& invocation, Checker& checker, std::ostream& out, bool colour) {
+  const bool text = invocation.format == Format::text;
   if (invocation.options.fix) {
     const auto fixes = checker.plannedFixes();
     // Listed once applied, so that a refused or failed write claims no change.
     checker.applyFixes(fixes);
-    filesWritten = !invocation.options.dryRun && !fixes.empty();
-    if (invocation.format == Format::text) {
+    if (text && !invocation.quiet) {
       writeRemovedLines(checker.removedLeftovers(), out);
       writeFixLines(fixes, invocation.options.dryRun, out, colour);
       if (fixes.empty()) out << "Nothing to fix automatically.\n";
+      out << '\n';
     }
   }
   const auto report = checker.report();
-  if (invocation.format == Format::json) {
-    writeJsonReport(report, out);
-  } else {
-    if (invocation.options.fix) out << '\n';
-    writeTextReport(report, out, colour);
+  switch (invocation.format) {
+    case Format::json:
+      writeJsonReport(report, out);
+      break;
+    case Format::sarif:
+      writeSarifReport(report, store::ruleCatalog(store::StoreFacts::appStore()), out);
+      break;
+    case Format::github:
+      writeGithubReport(report, out, invocation.quiet);
+      break;
+    case Format::junit:
+      writeJunitReport(report, invocation.failOn, out);
+      break;
+    case Format::text:
+      if (invocation.quiet) {
+        writeFindingLines(report, out, colour);
+      } else {
+        writeTextReport(report, out, colour);
+        if (invocation.failOn != store::RuleLevel::blocker && report.failsAt(invocation.failOn) && !report.blocked()) {
+          out << "The run fails: findings at " << store::levelName(invocation.failOn)
+              << " level or more urgent (--fail-on)\n";
+        }
+      }
+      break;
   }
-  return report.blocked() ? exitBlocked : exitReady;
+  return report;
+}
+
+int check(const Invocation& invocation, std::ostream& out, std::ostream& err, bool colour, bool& filesWritten) {
+  QuietLibrary quiet;
+  Checker checker(invocation.options);
+  if (!invocation.output) {
+    const auto report = writeReport(invocation, checker, out, colour);
+    filesWritten = report.fixesWritten && !report.fixes.empty();
+    return report.failsAt(invocation.failOn) ? exitBlocked : exitReady;
+  }
+  // A report file is replaced whole or not at all: a CI step must never read half a report.
+  std::ostringstream buffer;
+  const auto report = writeReport(invocation, checker, buffer, false);
+  filesWritten = report.fixesWritten && !report.fixes.empty();
+  try {
+    store::StagedFile(*invocation.output, buffer.str()).commit();
+  } catch (const store::InputError& error) {
+    err << "corvane: cannot write the report: " << error.what()
+        << (filesWritten ? "; the fixes were written to the files" : "") << '\n';
+    return exitUsageOrInput;
+  }
+  return report.failsAt(invocation.failOn) ? exitBlocked : exitReady;
 }
 
 constexpr std::string_view kUsage =
-    "usage: corvane check [DIR] [--format text|json] [--config FILE] [--first-version] [--fix] [--dry-run]\n"
+    "usage: corvane check [DIR] [--format text|json|sarif|github|junit] [--output FILE] [--config FILE]\n"
+    "                     [--fail-on LEVEL] [--quiet] [--first-version] [--fix] [--dry-run]\n"
     "                     [--store appstore|play|auto]\n";
 
 }  // namespace
@@ -146,7 +200,13 @@ std::string usageText() {
          "against the store's rules and reports blockers, rejection risks, optimizations and\n"
          "opportunities. Without DIR, checks the bundled sample. 'corvane rules' lists the rules.\n"
          "\n"
-         "  --format text|json   report format (default text)\n"
+         "  --format text|json|sarif|github|junit\n"
+         "                       report format (default text): sarif for code scanning, github for\n"
+         "                       pull request annotations, junit for CI test reports\n"
+         "  --output FILE        write the report to FILE (replaced whole) instead of standard output\n"
+         "  --fail-on LEVEL      the least urgent level that fails the run: blocker (default),\n"
+         "                       rejection-risk, optimization or opportunity\n"
+         "  --quiet              print the findings only, one a line\n"
          "  --config FILE        rule levels and words (default: DIR/.corvane.toml when present)\n"
          "  --first-version      this is the app's first version: release notes are not required\n"
          "  --fix                apply automatic fixes (trims, keyword tidying) and write the files\n"
@@ -154,7 +214,8 @@ std::string usageText() {
          "  --store appstore|play|auto\n"
          "                       which store's layout and rules (auto: recognised from the folder)\n"
          "\n"
-         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error,\n"
+         "Exit status: 0 nothing at the --fail-on level or above, 1 something is (by default: something\n"
+         "blocks submission), 2 usage or input error,\n"
          "a failed write (every file put back) or a report that could not be written.\n";
 }
 
@@ -185,7 +246,12 @@ int dispatch(std::span<const std::string> arguments, std::ostream& out, std::ost
     bool dryRun = false;
     CLI::App* checkCommand = app.add_subcommand("check");
     checkCommand->add_option("DIR", directory);
-    checkCommand->add_option("--format", checkFormat)->check(oneOf({"text", "json"}));
+    checkCommand->add_option("--format", checkFormat)->check(oneOf({"text", "json", "sarif", "github", "junit"}));
+    std::string failOn = "blocker";
+    checkCommand->add_option("--fail-on", failOn)
+        ->check(oneOf({"blocker", "rejection-risk", "optimization", "opportunity"}));
+    checkCommand->add_flag("--quiet", invocation.quiet);
+    checkCommand->add_option("--output", invocation.output)->check(kNotAnOption);
     checkCommand->add_option("--config", configFile)->check(kNotAnOption);
     checkCommand->add_flag("--first-version", invocation.options.firstVersion);
     checkCommand->add_flag("--fix", invocation.options.fix);
@@ -213,13 +279,14 @@ int dispatch(std::span<const std::string> arguments, std::ostream& out, std::ost
     if (!checkCommand->parsed()) throw UsageError("missing command; try 'corvane check'");
 
     invocation.format = formatNamed(checkFormat);
+    invocation.failOn = *store::parseRuleLevel(failOn);
     if (!configFile.empty()) invocation.options.configFile = configFile;
     if (dryRun) invocation.options.fix = invocation.options.dryRun = true;
     if (!directory && invocation.options.fix && !invocation.options.dryRun) {
       throw UsageError("--fix needs a folder: the bundled sample is never rewritten");
     }
     invocation.options.directory = directory ? *directory : CorvaneResources::sampleMetadataDirectory();
-    return check(invocation, out, terminal.isTerminal && !terminal.noColor, filesWritten);
+    return check(invocation, out, err, terminal.isTerminal && !terminal.noColor, filesWritten);
   } catch (const UsageError& error) {
     err << "corvane: " << error.what() << "\n" << kUsage;
     return exitUsageOrInput;

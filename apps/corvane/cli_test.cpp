@@ -74,7 +74,10 @@ TEST(CliTest, UsageErrorsExitWithStatus2) {
   for (const auto& c : std::vector<Case>{
            {{}, "missing command"},
            {{"lint"}, "unknown command 'lint'"},
-           {{"check", "--format", "xml"}, "--format: must be text or json, not 'xml'"},
+           {{"check", "--format", "xml"}, "--format: must be text, json, sarif, github or junit, not 'xml'"},
+           {{"check", folder, "--fail-on", "warning"},
+            "--fail-on: must be blocker, rejection-risk, optimization or opportunity, not 'warning'"},
+           {{"check", folder, "--output"}, "--output needs a value"},
            {{"check", "--format"}, "--format needs a value"},
            {{"check", "--colour"}, "unknown option '--colour'"},
            {{"check", "a", "b"}, "only one folder can be checked at a time, not also 'b'"},

@@ -11,6 +11,8 @@
 #include <boost/json.hpp>
 
 #include <algorithm>
+#include <cctype>
+#include <filesystem>
 #include <string>
 
 namespace corvane::cli {
@@ -224,6 +226,84 @@ void writeRulesJson(const std::vector<store::RuleInfo>& catalog, std::ostream& o
                                  {"why", text(rule.reason)}});
   }
   writeDocument(out, json::object{{"rules", std::move(rules)}});
+}
+
+namespace {
+
+std::string_view sarifLevel(store::RuleLevel level) {
+  switch (level) {
+    case store::RuleLevel::blocker:
+      return "error";
+    case store::RuleLevel::rejectionRisk:
+      return "warning";
+    case store::RuleLevel::optimization:
+    case store::RuleLevel::opportunity:
+      return "note";
+  }
+  return {};
+}
+
+// A path as a URI reference: every byte but the unreserved ones and '/' percent-encoded.
+std::string uriPath(std::string_view path) {
+  std::string result;
+  for (const char c : path) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (std::isalnum(byte) != 0 || c == '-' || c == '.' || c == '_' || c == '~' || c == '/') {
+      result += c;
+    } else {
+      static constexpr char kHex[] = "0123456789ABCDEF";
+      result += '%';
+      result += kHex[byte >> 4];
+      result += kHex[byte & 0xF];
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+void writeSarifReport(const CheckReport& report, const std::vector<store::RuleInfo>& catalog, std::ostream& out) {
+  json::array rules;
+  for (const auto& rule : catalog) {
+    rules.push_back(json::object{
+        {"id", text(rule.id)},
+        {"shortDescription", json::object{{"text", text(rule.summary)}}},
+        {"fullDescription", json::object{{"text", text(rule.summary + " " + rule.reason)}}},
+        {"help", json::object{{"text", text(rule.reason)}}},
+        {"defaultConfiguration", json::object{{"level", sarifLevel(rule.defaultLevel)}}},
+        {"properties", json::object{{"corvaneLevel", store::levelName(rule.defaultLevel)}}}});
+  }
+  json::array results;
+  for (const auto* finding : report.distinctFindings()) {
+    json::object physical;
+    physical["artifactLocation"] = json::object{{"uri", uriPath(finding->file)}, {"uriBaseId", "METADATA"}};
+    if (finding->position) {
+      physical["region"] =
+          json::object{{"startLine", finding->position->line}, {"startColumn", finding->position->column}};
+    }
+    json::object result;
+    result["ruleId"] = text(finding->rule);
+    const auto rule = std::ranges::find(catalog, finding->rule, &store::RuleInfo::id);
+    if (rule != catalog.end()) result["ruleIndex"] = rule - catalog.begin();
+    result["level"] = sarifLevel(finding->level);
+    std::string message = finding->verdict.message;
+    if (finding->verdict.businessReason) message += " " + *finding->verdict.businessReason;
+    result["message"] = json::object{{"text", text(message)}};
+    result["locations"] = json::array{json::object{{"physicalLocation", std::move(physical)}}};
+    results.push_back(std::move(result));
+  }
+  // The findings' paths are relative to the folder; the base says where it is.
+  auto folder = std::filesystem::absolute(report.directory).lexically_normal().generic_string();
+  if (!folder.ends_with('/')) folder += '/';
+  json::object run{
+      {"tool", json::object{{"driver", json::object{{"name", "corvane"},
+                                                    {"version", CorvaneVersionString},
+                                                    {"rules", std::move(rules)}}}}},
+      {"originalUriBaseIds", json::object{{"METADATA", json::object{{"uri", "file://" + uriPath(folder)}}}}},
+      {"results", std::move(results)}};
+  writeDocument(out, json::object{{"$schema", "https://json.schemastore.org/sarif-2.1.0.json"},
+                                  {"version", "2.1.0"},
+                                  {"runs", json::array{std::move(run)}}});
 }
 
 }  // namespace corvane::cli

@@ -2,6 +2,7 @@
 
 #include "corvane/results/validation_severity.hpp"
 #include "corvane/support/describe.hpp"
+#include "corvane/text/characters.hpp"
 #include "corvane/version.hpp"
 
 #include <fmt/color.h>
@@ -186,6 +187,205 @@ void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) 
   } else {
     out << paint(kGreen, "Decision: ready to submit") << " - " << counts << '\n';
   }
+}
+
+void writeFindingLines(const CheckReport& report, std::ostream& out, bool colour) {
+  const Paint paint(colour);
+  for (const auto* finding : report.distinctFindings()) {
+    out << visible(location(*finding)) << ": " << paint(colourOf(finding->level), std::string(store::levelName(finding->level)))
+        << ": " << visible(finding->verdict.message) << paint(kDim, " [" + finding->rule + "]") << '\n';
+  }
+}
+
+namespace {
+
+std::string_view githubCommand(RuleLevel level) {
+  switch (level) {
+    case RuleLevel::blocker:
+      return "error";
+    case RuleLevel::rejectionRisk:
+      return "warning";
+    case RuleLevel::optimization:
+    case RuleLevel::opportunity:
+      return "notice";
+  }
+  return {};
+}
+
+// A workflow command's message: a line break would end the command early.
+std::string githubData(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    switch (c) {
+      case '%':
+        result += "%25";
+        break;
+      case '\r':
+        result += "%0D";
+        break;
+      case '\n':
+        result += "%0A";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+// A property value: ':' and ',' would also end it.
+std::string githubProperty(std::string_view text) {
+  std::string result;
+  for (const char c : githubData(text)) {
+    if (c == ':') {
+      result += "%3A";
+    } else if (c == ',') {
+      result += "%2C";
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string countsLine(const CheckReport& report) {
+  return fmt::format("{}, {}, {}, {}", plural(report.count(RuleLevel::blocker), "blocker", "blockers"),
+                     plural(report.count(RuleLevel::rejectionRisk), "rejection risk", "rejection risks"),
+                     plural(report.count(RuleLevel::optimization), "optimization", "optimizations"),
+                     plural(report.count(RuleLevel::opportunity), "opportunity", "opportunities"));
+}
+
+}  // namespace
+
+void writeGithubReport(const CheckReport& report, std::ostream& out, bool quiet) {
+  for (const auto* finding : report.distinctFindings()) {
+    // Annotations are placed by the path from the repository's root: the folder as given
+    // (run from the root) joined with the file.
+    const auto file = (report.directory / finding->file).lexically_normal().generic_string();
+    out << "::" << githubCommand(finding->level) << " file=" << githubProperty(file);
+    if (finding->position) out << ",line=" << finding->position->line << ",col=" << finding->position->column;
+    std::string message = finding->verdict.message;
+    if (finding->verdict.businessReason) message += "\n" + *finding->verdict.businessReason;
+    out << ",title=" << githubProperty(fmt::format("{} ({})", finding->rule, store::levelName(finding->level)))
+        << "::" << githubData(message) << '\n';
+  }
+  if (quiet) return;
+  out << (report.blocked() ? "Decision: blocked" : "Decision: ready to submit") << " - " << countsLine(report) << '\n';
+}
+
+namespace {
+
+// Text for XML: bytes that are not UTF-8 become U+FFFD and control characters, which XML
+// 1.0 cannot hold even escaped, are spelt out as in the text report.
+std::string xmlEscaped(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const auto bad = firstInvalidUtf8Offset(text);
+    const auto good = text.substr(0, bad.value_or(text.size()));
+    for (const char c : good) {
+      const auto byte = static_cast<unsigned char>(c);
+      switch (c) {
+        case '&':
+          result += "&amp;";
+          break;
+        case '<':
+          result += "&lt;";
+          break;
+        case '>':
+          result += "&gt;";
+          break;
+        case '"':
+          result += "&quot;";
+          break;
+        case '\'':
+          result += "&apos;";
+          break;
+        case '\n':
+        case '\t':
+          result += c;
+          break;
+        default:
+          if (byte < 0x20 || byte == 0x7F) {
+            result += fmt::format("\\x{:02X}", byte);
+          } else {
+            result += c;
+          }
+      }
+    }
+    if (!bad) break;
+    result += "\uFFFD";
+    text.remove_prefix(*bad + 1);
+  }
+  return result;
+}
+
+struct TestCase {
+  std::string name;
+  std::string file;
+  std::vector<const ListingFinding*> findings;
+};
+
+void writeSuite(std::string_view name, const std::vector<TestCase>& cases, RuleLevel failOn, std::ostream& out) {
+  std::size_t failures = 0;
+  for (const auto& testCase : cases) {
+    failures += static_cast<std::size_t>(std::ranges::count_if(
+        testCase.findings, [&](const ListingFinding* finding) { return finding->level <= failOn; }));
+  }
+  out << "  <testsuite name=\"" << xmlEscaped(name) << "\" tests=\"" << cases.size() << "\" failures=\"" << failures
+      << "\" errors=\"0\" skipped=\"0\">\n";
+  for (const auto& testCase : cases) {
+    out << "    <testcase classname=\"" << xmlEscaped(name) << "\" name=\"" << xmlEscaped(testCase.name)
+        << "\" file=\"" << xmlEscaped(testCase.file) << "\"";
+    if (testCase.findings.empty()) {
+      out << "/>\n";
+      continue;
+    }
+    out << ">\n";
+    std::string below;
+    for (const auto* finding : testCase.findings) {
+      std::string detail = location(*finding) + ": " + finding->verdict.message;
+      if (finding->verdict.businessReason) detail += "\nwhy: " + *finding->verdict.businessReason;
+      if (finding->level > failOn) {
+        below += fmt::format("{} [{}, {}]\n", detail, finding->rule, store::levelName(finding->level));
+        continue;
+      }
+      out << "      <failure type=\"" << xmlEscaped(finding->rule) << "\" message=\""
+          << xmlEscaped(fmt::format("{}: {}", store::levelName(finding->level), finding->verdict.message)) << "\">"
+          << xmlEscaped(detail) << "</failure>\n";
+    }
+    if (!below.empty()) out << "      <system-out>" << xmlEscaped(below) << "</system-out>\n";
+    out << "    </testcase>\n";
+  }
+  out << "  </testsuite>\n";
+}
+
+}  // namespace
+
+void writeJunitReport(const CheckReport& report, RuleLevel failOn, std::ostream& out) {
+  out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites name=\"corvane\">\n";
+  auto casesFor = [](const LocaleReport& section, std::span<const store::ListingField> fields,
+                     const std::string& folder) {
+    std::vector<TestCase> cases;
+    for (const auto field : fields) {
+      TestCase testCase{std::string(store::fieldKey(field)), folder + std::string(store::fieldFile(field)), {}};
+      for (const auto& finding : section.findings) {
+        if (finding.field != field) continue;
+        testCase.file = finding.file;  // perhaps default/, where the text really is
+        testCase.findings.push_back(&finding);
+      }
+      cases.push_back(std::move(testCase));
+    }
+    // Findings about the folder itself (an unknown locale folder) have no field.
+    for (const auto& finding : section.findings) {
+      if (!finding.field) cases.push_back(TestCase{finding.file, finding.file, {&finding}});
+    }
+    return cases;
+  };
+  for (const auto& locale : report.locales) {
+    writeSuite(locale.locale, casesFor(locale, store::kLocaleFields, locale.locale + "/"), failOn, out);
+  }
+  writeSuite("shared", casesFor(report.shared, store::kSharedFields, ""), failOn, out);
+  out << "</testsuites>\n";
 }
 
 }  // namespace corvane::cli
