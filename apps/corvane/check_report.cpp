@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <set>
 #include <string_view>
 #include <utility>
@@ -22,20 +23,29 @@ std::string_view categoryKey(RuleLevel level) noexcept {
   return {};
 }
 
-std::int64_t CheckReport::count(RuleLevel level) const {
+std::vector<const store::ListingFinding*> CheckReport::distinctFindings() const {
   // A text from default/ is listed under every locale that uses it, but it is one problem to fix.
   std::set<std::pair<std::string_view, std::string_view>> seen;
-  std::int64_t total = 0;
-  auto tally = [&](const LocaleReport& report, bool ownFilesOnly) {
+  std::vector<const store::ListingFinding*> result;
+  auto collect = [&](const LocaleReport& report, bool ownFilesOnly) {
     for (const auto& finding : report.findings) {
-      if (finding.level != level) continue;
       const bool own = !ownFilesOnly || finding.file.starts_with(report.locale + "/");
-      if (own || seen.emplace(finding.file, finding.verdict.message).second) ++total;
+      if (own || seen.emplace(finding.file, finding.verdict.message).second) result.push_back(&finding);
     }
   };
-  for (const auto& locale : locales) tally(locale, true);
-  tally(shared, false);
-  return total;
+  for (const auto& locale : locales) collect(locale, true);
+  collect(shared, false);
+  return result;
+}
+
+std::int64_t CheckReport::count(RuleLevel level) const {
+  const auto findings = distinctFindings();
+  return std::ranges::count(findings, level, &store::ListingFinding::level);
+}
+
+bool CheckReport::failsAt(RuleLevel threshold) const {
+  const auto findings = distinctFindings();
+  return std::ranges::any_of(findings, [&](const auto* finding) { return finding->level <= threshold; });
 }
 
 std::string completionSummary(const CheckReport& report) {

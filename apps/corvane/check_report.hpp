@@ -53,8 +53,14 @@ struct CheckReport {
   /// The number of findings at `level`; a finding on a file that several locales share
   /// (a `default/` text) counts once.
   std::int64_t count(RuleLevel level) const;
-  /// Whether anything blocks submission; the exit status is 1 exactly then.
+  /// Whether anything blocks submission.
   bool blocked() const { return count(RuleLevel::blocker) > 0; }
+  /// Whether a finding is at `threshold` or more urgent (`--fail-on`); the exit status is 1
+  /// exactly then.
+  bool failsAt(RuleLevel threshold) const;
+  /// Every finding once, locales in order and then the shared files; a finding on a file
+  /// that several locales share is listed under the first. Points into this report.
+  std::vector<const store::ListingFinding*> distinctFindings() const;
 };
 
 /// The completion status in words, to follow a colon: "ready to submit", "3 items to finish",

@@ -25,6 +25,8 @@ struct CheckOptions {
   bool fix = false;
   /// With `fix`: report the fixes but write nothing.
   bool dryRun = false;
+  /// Which store's layout and rules: "appstore", "play" or "auto" (recognised from the folder).
+  std::string store = "auto";
   /// The current year for the copyright rules; the system clock's when not given.
   std::optional<int> currentYear;
 };

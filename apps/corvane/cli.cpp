@@ -1,29 +1,39 @@
 #include "cli.hpp"
 
 #include "checker.hpp"
-#include "json_writer.hpp"
 #include "report_writers.hpp"
 
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/listing_configuration.hpp"
 #include "corvane/store/rule_catalog.hpp"
+#include "corvane/store/staged_file.hpp"
 #include "corvane/store/store_facts.hpp"
 
 #include "corvane/resources/corvane_resources.hpp"
 #include "corvane/support/print_line.hpp"
 #include "corvane/version.hpp"
 
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 
 namespace corvane::cli {
 namespace {
 
-enum class Format { text, json };
+enum class Format { text, json, sarif, github, junit };
 
 struct Invocation {
   CheckOptions options;
   Format format = Format::text;
+  // The least urgent level that still makes the exit status 1.
+  store::RuleLevel failOn = store::RuleLevel::blocker;
+  // Findings only: no headings, checklist, fixes or summary.
+  bool quiet = false;
+  // Where the report goes instead of standard output.
+  std::optional<std::filesystem::path> output;
 };
 
 class UsageError final : public std::runtime_error {
@@ -31,51 +41,53 @@ class UsageError final : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-Invocation parseCheck(std::span<const std::string> arguments) {
-  Invocation invocation;
-  std::optional<std::filesystem::path> directory;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    auto valueOf = [&](std::string_view option) -> std::string {
-      const std::string prefix = std::string(option) + "=";
-      if (argument.starts_with(prefix)) return argument.substr(prefix.size());
-      // "--config --fix" forgot the file; it must not swallow the next option.
-      if (i + 1 >= arguments.size() || arguments[i + 1].starts_with("--")) {
-        throw UsageError(std::string(option) + " needs a value");
-      }
-      return arguments[++i];
-    };
-    if (argument == "--format" || argument.starts_with("--format=")) {
-      const std::string format = valueOf("--format");
-      if (format == "text") {
-        invocation.format = Format::text;
-      } else if (format == "json") {
-        invocation.format = Format::json;
-      } else {
-        throw UsageError("--format must be text or json, not '" + format + "'");
-      }
-    } else if (argument == "--config" || argument.starts_with("--config=")) {
-      invocation.options.configFile = valueOf("--config");
-    } else if (argument == "--first-version") {
-      invocation.options.firstVersion = true;
-    } else if (argument == "--fix") {
-      invocation.options.fix = true;
-    } else if (argument == "--dry-run") {
-      invocation.options.fix = true;
-      invocation.options.dryRun = true;
-    } else if (argument.starts_with("-") && argument != "-") {
-      throw UsageError("unknown option '" + argument + "'");
-    } else if (directory) {
-      throw UsageError("only one folder can be checked at a time");
-    } else {
-      directory = argument;
+// "--format must be text or json, not 'xml'" rather than a list of internals.
+CLI::Validator oneOf(std::vector<std::string> choices) {
+  std::string words;
+  for (std::size_t i = 0; i < choices.size(); ++i) {
+    if (i > 0) words += i + 1 == choices.size() ? " or " : ", ";
+    words += choices[i];
+  }
+  return CLI::Validator(
+      [choices, words](std::string& value) -> std::string {
+        if (std::ranges::find(choices, value) != choices.end()) return {};
+        return "must be " + words + ", not '" + value + "'";
+      },
+      words);
+}
+
+// A value that is an option ("--config --fix") means the value was forgotten; taking the
+// option as a file name would hide the mistake.
+const CLI::Validator kNotAnOption(
+    [](std::string& value) -> std::string { return value.starts_with("--") ? "needs a value before " + value : ""; },
+    "");
+
+// CLI11's messages, in the words the rest of the program uses.
+std::string usageMessage(const CLI::ParseError& error, const CLI::App& app) {
+  if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+    const std::string what = error.what();
+    return what.substr(0, what.find(':')) + " needs a value";
+  }
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    std::vector<std::string> extras = app.remaining();
+    for (const auto* command : app.get_subcommands()) {
+      const auto more = command->remaining();
+      extras.insert(extras.end(), more.begin(), more.end());
+    }
+    if (!extras.empty()) {
+      if (extras.front().starts_with("-")) return "unknown option '" + extras.front() + "'";
+      return "only one folder can be checked at a time, not also '" + extras.front() + "'";
     }
   }
-  if (!directory && invocation.options.fix && !invocation.options.dryRun) {
-    throw UsageError("--fix needs a folder: the bundled sample is never rewritten");
-  }
-  invocation.options.directory = directory ? *directory : CorvaneResources::sampleMetadataDirectory();
-  return invocation;
+  return error.what();
+}
+
+Format formatNamed(const std::string& name) {
+  if (name == "json") return Format::json;
+  if (name == "sarif") return Format::sarif;
+  if (name == "github") return Format::github;
+  if (name == "junit") return Format::junit;
+  return Format::text;
 }
 
 // The library prints diagnostics lines (such as its combine trace) on standard output;
@@ -92,37 +104,10 @@ class QuietLibrary {
 };
 
 // `corvane rules`: every rule with its level, what it checks and why the store cares.
-int listRules(std::span<const std::string> arguments, std::ostream& out) {
-  Format format = Format::text;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    std::string value;
-    if (argument.starts_with("--format=")) {
-      value = argument.substr(9);
-    } else if (argument == "--format" && i + 1 < arguments.size()) {
-      value = arguments[++i];
-    } else {
-      throw UsageError("'corvane rules' takes only --format text|json, not '" + argument + "'");
-    }
-    if (value != "text" && value != "json") throw UsageError("--format must be text or json, not '" + value + "'");
-    format = value == "json" ? Format::json : Format::text;
-  }
+int listRules(Format format, std::ostream& out) {
   const auto catalog = store::ruleCatalog(store::StoreFacts::appStore());
   if (format == Format::json) {
-    JsonWriter json(out);
-    json.beginObject();
-    json.key("rules");
-    json.beginArray();
-    for (const auto& rule : catalog) {
-      json.beginObject();
-      json.member("id", rule.id);
-      json.member("defaultLevel", store::levelName(rule.defaultLevel));
-      json.member("checks", rule.summary);
-      json.member("why", rule.reason);
-      json.endObject();
-    }
-    json.endArray();
-    json.endObject();
+    writeRulesJson(catalog, out);
     return exitReady;
   }
   for (const auto& rule : catalog) {
@@ -132,32 +117,75 @@ int listRules(std::span<const std::string> arguments, std::ostream& out) {
   return exitReady;
 }
 
-int check(const Invocation& invocation, std::ostream& out, bool colour, bool& filesWritten) {
-  QuietLibrary quiet;
-  Checker checker(invocation.options);
+// Applies any fixes, writes the report and returns it.
+CheckReport writeReport(const Invocation& invocation, Checker& checker, std::ostream& out, bool colour) {
+  const bool text = invocation.format == Format::text;
   if (invocation.options.fix) {
     const auto fixes = checker.plannedFixes();
     // Listed once applied, so that a refused or failed write claims no change.
     checker.applyFixes(fixes);
-    filesWritten = !invocation.options.dryRun && !fixes.empty();
-    if (invocation.format == Format::text) {
+    if (text && !invocation.quiet) {
       writeRemovedLines(checker.removedLeftovers(), out);
       writeFixLines(fixes, invocation.options.dryRun, out, colour);
       if (fixes.empty()) out << "Nothing to fix automatically.\n";
+      out << '\n';
     }
   }
   const auto report = checker.report();
-  if (invocation.format == Format::json) {
-    writeJsonReport(report, out);
-  } else {
-    if (invocation.options.fix) out << '\n';
-    writeTextReport(report, out, colour);
+  switch (invocation.format) {
+    case Format::json:
+      writeJsonReport(report, out);
+      break;
+    case Format::sarif:
+      writeSarifReport(report, store::ruleCatalog(store::StoreFacts::appStore()), out);
+      break;
+    case Format::github:
+      writeGithubReport(report, out, invocation.quiet);
+      break;
+    case Format::junit:
+      writeJunitReport(report, invocation.failOn, out);
+      break;
+    case Format::text:
+      if (invocation.quiet) {
+        writeFindingLines(report, out, colour);
+      } else {
+        writeTextReport(report, out, colour);
+        if (invocation.failOn != store::RuleLevel::blocker && report.failsAt(invocation.failOn) && !report.blocked()) {
+          out << "The run fails: findings at " << store::levelName(invocation.failOn)
+              << " level or more urgent (--fail-on)\n";
+        }
+      }
+      break;
   }
-  return report.blocked() ? exitBlocked : exitReady;
+  return report;
+}
+
+int check(const Invocation& invocation, std::ostream& out, std::ostream& err, bool colour, bool& filesWritten) {
+  QuietLibrary quiet;
+  Checker checker(invocation.options);
+  if (!invocation.output) {
+    const auto report = writeReport(invocation, checker, out, colour);
+    filesWritten = report.fixesWritten && !report.fixes.empty();
+    return report.failsAt(invocation.failOn) ? exitBlocked : exitReady;
+  }
+  // A report file is replaced whole or not at all: a CI step must never read half a report.
+  std::ostringstream buffer;
+  const auto report = writeReport(invocation, checker, buffer, false);
+  filesWritten = report.fixesWritten && !report.fixes.empty();
+  try {
+    store::StagedFile(*invocation.output, buffer.str()).commit();
+  } catch (const store::InputError& error) {
+    err << "corvane: cannot write the report: " << error.what()
+        << (filesWritten ? "; the fixes were written to the files" : "") << '\n';
+    return exitUsageOrInput;
+  }
+  return report.failsAt(invocation.failOn) ? exitBlocked : exitReady;
 }
 
 constexpr std::string_view kUsage =
-    "usage: corvane check [DIR] [--format text|json] [--config FILE] [--first-version] [--fix] [--dry-run]\n";
+    "usage: corvane check [DIR] [--format text|json|sarif|github|junit] [--output FILE] [--config FILE]\n"
+    "                     [--fail-on LEVEL] [--quiet] [--first-version] [--fix] [--dry-run]\n"
+    "                     [--store appstore|play|auto]\n";
 
 }  // namespace
 
@@ -172,13 +200,22 @@ std::string usageText() {
          "against the store's rules and reports blockers, rejection risks, optimizations and\n"
          "opportunities. Without DIR, checks the bundled sample. 'corvane rules' lists the rules.\n"
          "\n"
-         "  --format text|json   report format (default text)\n"
+         "  --format text|json|sarif|github|junit\n"
+         "                       report format (default text): sarif for code scanning, github for\n"
+         "                       pull request annotations, junit for CI test reports\n"
+         "  --output FILE        write the report to FILE (replaced whole) instead of standard output\n"
+         "  --fail-on LEVEL      the least urgent level that fails the run: blocker (default),\n"
+         "                       rejection-risk, optimization or opportunity\n"
+         "  --quiet              print the findings only, one a line\n"
          "  --config FILE        rule levels and words (default: DIR/.corvane.toml when present)\n"
          "  --first-version      this is the app's first version: release notes are not required\n"
          "  --fix                apply automatic fixes (trims, keyword tidying) and write the files\n"
          "  --dry-run            show the automatic fixes without writing anything\n"
+         "  --store appstore|play|auto\n"
+         "                       which store's layout and rules (auto: recognised from the folder)\n"
          "\n"
-         "Exit status: 0 nothing blocks submission, 1 something blocks it, 2 usage or input error,\n"
+         "Exit status: 0 nothing at the --fail-on level or above, 1 something is (by default: something\n"
+         "blocks submission), 2 usage or input error,\n"
          "a failed write (every file put back) or a report that could not be written.\n";
 }
 
@@ -189,25 +226,67 @@ int dispatch(std::span<const std::string> arguments, std::ostream& out, std::ost
   try {
     if (arguments.empty()) throw UsageError("missing command; try 'corvane check'");
     const std::string& command = arguments.front();
-    if (command == "--help" || command == "-h" || command == "help") {
+    if (command == "help") {
       out << usageText();
       return exitReady;
     }
-    if (command == "--version") {
+    if (!command.starts_with("-") && command != "check" && command != "rules") {
+      throw UsageError("unknown command '" + command + "'");
+    }
+
+    CLI::App app("corvane", "corvane");
+    bool version = false;
+    app.add_flag("--version", version);
+    app.require_subcommand(0, 1);
+
+    Invocation invocation;
+    std::string checkFormat = "text";
+    std::optional<std::filesystem::path> directory;
+    std::string configFile;
+    bool dryRun = false;
+    CLI::App* checkCommand = app.add_subcommand("check");
+    checkCommand->add_option("DIR", directory);
+    checkCommand->add_option("--format", checkFormat)->check(oneOf({"text", "json", "sarif", "github", "junit"}));
+    std::string failOn = "blocker";
+    checkCommand->add_option("--fail-on", failOn)
+        ->check(oneOf({"blocker", "rejection-risk", "optimization", "opportunity"}));
+    checkCommand->add_flag("--quiet", invocation.quiet);
+    checkCommand->add_option("--output", invocation.output)->check(kNotAnOption);
+    checkCommand->add_option("--config", configFile)->check(kNotAnOption);
+    checkCommand->add_flag("--first-version", invocation.options.firstVersion);
+    checkCommand->add_flag("--fix", invocation.options.fix);
+    checkCommand->add_flag("--dry-run", dryRun);
+    checkCommand->add_option("--store", invocation.options.store)->check(oneOf({"appstore", "play", "auto"}));
+
+    std::string rulesFormat = "text";
+    CLI::App* rules = app.add_subcommand("rules");
+    rules->add_option("--format", rulesFormat)->check(oneOf({"text", "json"}));
+
+    std::vector<std::string> reversed(arguments.rbegin(), arguments.rend());
+    try {
+      app.parse(reversed);
+    } catch (const CLI::CallForHelp&) {
+      out << usageText();
+      return exitReady;
+    } catch (const CLI::ParseError& error) {
+      throw UsageError(usageMessage(error, app));
+    }
+    if (version) {
       out << "corvane " << CorvaneVersionString << '\n';
       return exitReady;
     }
-    if (command == "rules") return listRules(arguments.subspan(1), out);
-    if (command != "check") throw UsageError("unknown command '" + command + "'");
-    const auto rest = arguments.subspan(1);
-    for (const auto& argument : rest) {
-      if (argument == "--help" || argument == "-h") {
-        out << usageText();
-        return exitReady;
-      }
+    if (rules->parsed()) return listRules(formatNamed(rulesFormat), out);
+    if (!checkCommand->parsed()) throw UsageError("missing command; try 'corvane check'");
+
+    invocation.format = formatNamed(checkFormat);
+    invocation.failOn = *store::parseRuleLevel(failOn);
+    if (!configFile.empty()) invocation.options.configFile = configFile;
+    if (dryRun) invocation.options.fix = invocation.options.dryRun = true;
+    if (!directory && invocation.options.fix && !invocation.options.dryRun) {
+      throw UsageError("--fix needs a folder: the bundled sample is never rewritten");
     }
-    const Invocation invocation = parseCheck(rest);
-    return check(invocation, out, terminal.isTerminal && !terminal.noColor, filesWritten);
+    invocation.options.directory = directory ? *directory : CorvaneResources::sampleMetadataDirectory();
+    return check(invocation, out, err, terminal.isTerminal && !terminal.noColor, filesWritten);
   } catch (const UsageError& error) {
     err << "corvane: " << error.what() << "\n" << kUsage;
     return exitUsageOrInput;

@@ -65,20 +65,33 @@ TEST(CliTest, DefaultsToTheBundledSample) {
 }
 
 TEST(CliTest, UsageErrorsExitWithStatus2) {
-  for (const auto& arguments : std::vector<std::vector<std::string>>{{},
-                                                                     {"lint"},
-                                                                     {"check", "--format", "xml"},
-                                                                     {"check", "--format"},
-                                                                     {"check", "--colour"},
-                                                                     {"check", "a", "b"},
-                                                                     // a forgotten value must not swallow an option
-                                                                     {"check", "a", "--config", "--fix"},
-                                                                     {"rules", "--fix"},
-                                                                     // the bundled sample is never rewritten
-                                                                     {"check", "--fix"}}) {
-    const auto result = run(arguments);
-    EXPECT_EQ(result.status, exitUsageOrInput) << ::testing::PrintToString(arguments);
-    EXPECT_THAT(result.err, HasSubstr("corvane: "));
+  TemporaryFolder temporary;
+  const auto folder = temporary.path().string();
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string message;
+  };
+  for (const auto& c : std::vector<Case>{
+           {{}, "missing command"},
+           {{"lint"}, "unknown command 'lint'"},
+           {{"check", "--format", "xml"}, "--format: must be text, json, sarif, github or junit, not 'xml'"},
+           {{"check", folder, "--fail-on", "warning"},
+            "--fail-on: must be blocker, rejection-risk, optimization or opportunity, not 'warning'"},
+           {{"check", folder, "--output"}, "--output needs a value"},
+           {{"check", "--format"}, "--format needs a value"},
+           {{"check", "--colour"}, "unknown option '--colour'"},
+           {{"check", "a", "b"}, "only one folder can be checked at a time, not also 'b'"},
+           // a forgotten value must not swallow an option
+           {{"check", folder, "--config", "--fix"}, "--config: needs a value before --fix"},
+           {{"check", folder, "--store", "google"}, "--store: must be appstore, play or auto, not 'google'"},
+           {{"rules", "--fix"}, "unknown option '--fix'"},
+           {{"rules", "--format", "sarif"}, "--format: must be text or json, not 'sarif'"},
+           // the bundled sample is never rewritten
+           {{"check", "--fix"}, "--fix needs a folder"}}) {
+    const auto result = run(c.arguments);
+    EXPECT_EQ(result.status, exitUsageOrInput) << ::testing::PrintToString(c.arguments);
+    EXPECT_THAT(result.err, HasSubstr("corvane: " + c.message)) << ::testing::PrintToString(c.arguments);
+    EXPECT_THAT(result.err, HasSubstr("usage: corvane check"));
     EXPECT_EQ(result.out, "");
   }
   const auto help = run({"check", "--help"});

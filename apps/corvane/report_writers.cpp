@@ -1,11 +1,11 @@
 #include "report_writers.hpp"
 
-#include "json_writer.hpp"
-
 #include "corvane/results/validation_severity.hpp"
 #include "corvane/support/describe.hpp"
+#include "corvane/text/characters.hpp"
 #include "corvane/version.hpp"
 
+#include <fmt/color.h>
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -21,24 +21,25 @@ using ItemStatus = CompletionItem::CompletionStatus;
 using store::ListingFinding;
 using store::kRuleLevels;
 
+// Colours through fmt's terminal styles; without colour the text is returned as it is.
 class Paint {
  public:
   explicit Paint(bool enabled) : enabled_(enabled) {}
-  std::string operator()(std::string_view code, std::string_view text) const {
+  std::string operator()(fmt::text_style style, std::string_view text) const {
     if (!enabled_) return std::string(text);
-    return fmt::format("\x1b[{}m{}\x1b[0m", code, text);
+    return fmt::format(style, "{}", text);
   }
 
  private:
   bool enabled_;
 };
 
-constexpr std::string_view kBold = "1";
-constexpr std::string_view kRed = "31";
-constexpr std::string_view kYellow = "33";
-constexpr std::string_view kCyan = "36";
-constexpr std::string_view kGreen = "32";
-constexpr std::string_view kDim = "2";
+const fmt::text_style kBold = fmt::emphasis::bold;
+const fmt::text_style kRed = fg(fmt::terminal_color::red);
+const fmt::text_style kYellow = fg(fmt::terminal_color::yellow);
+const fmt::text_style kCyan = fg(fmt::terminal_color::cyan);
+const fmt::text_style kGreen = fg(fmt::terminal_color::green);
+const fmt::text_style kDim = fmt::emphasis::faint;
 
 std::string_view heading(RuleLevel level) {
   switch (level) {
@@ -54,7 +55,7 @@ std::string_view heading(RuleLevel level) {
   return {};
 }
 
-std::string_view colourOf(RuleLevel level) {
+fmt::text_style colourOf(RuleLevel level) {
   switch (level) {
     case RuleLevel::blocker:
       return kRed;
@@ -64,35 +65,6 @@ std::string_view colourOf(RuleLevel level) {
       return kCyan;
     case RuleLevel::opportunity:
       return kGreen;
-  }
-  return {};
-}
-
-std::string_view actionTypeName(const ActionGuidance::Action::ActionType& type) {
-  if (type.isAutoFix()) return "autoFix";
-  if (type.isQuickFix()) return "quickFix";
-  if (type.isManual()) return "manual";
-  return "external";
-}
-
-std::string_view statusName(const ItemStatus& status) {
-  if (status.isCompleted()) return "completed";
-  if (status.isBlocked()) return "blocked";
-  if (status.isMissing()) return "missing";
-  if (status.isOptional()) return "optional";
-  return "inProgress";
-}
-
-std::string_view priorityName(CompletionItem::Priority priority) {
-  switch (priority) {
-    case CompletionItem::Priority::optional:
-      return "optional";
-    case CompletionItem::Priority::recommended:
-      return "recommended";
-    case CompletionItem::Priority::required:
-      return "required";
-    case CompletionItem::Priority::critical:
-      return "critical";
   }
   return {};
 }
@@ -146,45 +118,6 @@ std::string itemMark(const ItemStatus& status, const Paint& paint) {
   return paint(kDim, "[-]");
 }
 
-void writeFindingJson(JsonWriter& json, const ListingFinding& finding) {
-  const auto& verdict = finding.verdict;
-  json.beginObject();
-  json.member("rule", finding.rule);
-  json.member("file", finding.file);
-  json.key("line");
-  if (finding.position) json.value(finding.position->line); else json.null();
-  json.key("column");
-  if (finding.position) json.value(finding.position->column); else json.null();
-  json.key("property");
-  if (finding.field) json.value(std::string(store::fieldKey(*finding.field))); else json.null();
-  json.member("severity", describe(verdict.severity));
-  json.member("message", verdict.message);
-  json.member("businessReason", verdict.businessReason);
-  json.key("primaryAction");
-  if (verdict.actionGuidance) {
-    const auto& action = verdict.actionGuidance->primaryAction;
-    json.beginObject();
-    json.member("title", action.title);
-    json.member("description", action.description);
-    json.member("type", actionTypeName(action.type));
-    json.endObject();
-  } else {
-    json.null();
-  }
-  json.member("suggestedFix", verdict.suggestedFix);
-  json.endObject();
-}
-
-void writeItemJson(JsonWriter& json, const CompletionItem& item) {
-  json.beginObject();
-  json.member("id", item.id);
-  json.member("title", item.title);
-  json.member("status", statusName(item.status));
-  json.member("priority", priorityName(item.priority));
-  json.member("detail", item.description);
-  json.endObject();
-}
-
 }  // namespace
 
 void writeFixLines(const std::vector<store::ListingEdit>& fixes, bool dryRun, std::ostream& out, bool colour) {
@@ -227,17 +160,6 @@ void writeSection(const LocaleReport& section, std::string_view title, std::ostr
   }
 }
 
-void writeGroupsJson(JsonWriter& json, const std::vector<ListingFinding>& findings) {
-  for (const auto level : kRuleLevels) {
-    json.key(categoryKey(level));
-    json.beginArray();
-    for (const auto& finding : findings) {
-      if (finding.level == level) writeFindingJson(json, finding);
-    }
-    json.endArray();
-  }
-}
-
 }  // namespace
 
 void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) {
@@ -267,81 +189,203 @@ void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) 
   }
 }
 
-void writeJsonReport(const CheckReport& report, std::ostream& out) {
-  JsonWriter json(out);
-  json.beginObject();
-  json.member("schemaVersion", kJsonSchemaVersion);
-  json.key("tool");
-  json.beginObject();
-  json.member("name", "corvane");
-  json.member("version", CorvaneVersionString);
-  json.endObject();
-  json.member("directory", report.directory.string());
-  json.key("locales");
-  json.beginArray();
+void writeFindingLines(const CheckReport& report, std::ostream& out, bool colour) {
+  const Paint paint(colour);
+  for (const auto* finding : report.distinctFindings()) {
+    out << visible(location(*finding)) << ": " << paint(colourOf(finding->level), std::string(store::levelName(finding->level)))
+        << ": " << visible(finding->verdict.message) << paint(kDim, " [" + finding->rule + "]") << '\n';
+  }
+}
+
+namespace {
+
+std::string_view githubCommand(RuleLevel level) {
+  switch (level) {
+    case RuleLevel::blocker:
+      return "error";
+    case RuleLevel::rejectionRisk:
+      return "warning";
+    case RuleLevel::optimization:
+    case RuleLevel::opportunity:
+      return "notice";
+  }
+  return {};
+}
+
+// A workflow command's message: a line break would end the command early.
+std::string githubData(std::string_view text) {
+  std::string result;
+  for (const char c : text) {
+    switch (c) {
+      case '%':
+        result += "%25";
+        break;
+      case '\r':
+        result += "%0D";
+        break;
+      case '\n':
+        result += "%0A";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+// A property value: ':' and ',' would also end it.
+std::string githubProperty(std::string_view text) {
+  std::string result;
+  for (const char c : githubData(text)) {
+    if (c == ':') {
+      result += "%3A";
+    } else if (c == ',') {
+      result += "%2C";
+    } else {
+      result += c;
+    }
+  }
+  return result;
+}
+
+std::string countsLine(const CheckReport& report) {
+  return fmt::format("{}, {}, {}, {}", plural(report.count(RuleLevel::blocker), "blocker", "blockers"),
+                     plural(report.count(RuleLevel::rejectionRisk), "rejection risk", "rejection risks"),
+                     plural(report.count(RuleLevel::optimization), "optimization", "optimizations"),
+                     plural(report.count(RuleLevel::opportunity), "opportunity", "opportunities"));
+}
+
+}  // namespace
+
+void writeGithubReport(const CheckReport& report, std::ostream& out, bool quiet) {
+  for (const auto* finding : report.distinctFindings()) {
+    // Annotations are placed by the path from the repository's root: the folder as given
+    // (run from the root) joined with the file.
+    const auto file = (report.directory / finding->file).lexically_normal().generic_string();
+    out << "::" << githubCommand(finding->level) << " file=" << githubProperty(file);
+    if (finding->position) out << ",line=" << finding->position->line << ",col=" << finding->position->column;
+    std::string message = finding->verdict.message;
+    if (finding->verdict.businessReason) message += "\n" + *finding->verdict.businessReason;
+    out << ",title=" << githubProperty(fmt::format("{} ({})", finding->rule, store::levelName(finding->level)))
+        << "::" << githubData(message) << '\n';
+  }
+  if (quiet) return;
+  out << (report.blocked() ? "Decision: blocked" : "Decision: ready to submit") << " - " << countsLine(report) << '\n';
+}
+
+namespace {
+
+// Text for XML: bytes that are not UTF-8 become U+FFFD and control characters, which XML
+// 1.0 cannot hold even escaped, are spelt out as in the text report.
+std::string xmlEscaped(std::string_view text) {
+  std::string result;
+  while (!text.empty()) {
+    const auto bad = firstInvalidUtf8Offset(text);
+    const auto good = text.substr(0, bad.value_or(text.size()));
+    for (const char c : good) {
+      const auto byte = static_cast<unsigned char>(c);
+      switch (c) {
+        case '&':
+          result += "&amp;";
+          break;
+        case '<':
+          result += "&lt;";
+          break;
+        case '>':
+          result += "&gt;";
+          break;
+        case '"':
+          result += "&quot;";
+          break;
+        case '\'':
+          result += "&apos;";
+          break;
+        case '\n':
+        case '\t':
+          result += c;
+          break;
+        default:
+          if (byte < 0x20 || byte == 0x7F) {
+            result += fmt::format("\\x{:02X}", byte);
+          } else {
+            result += c;
+          }
+      }
+    }
+    if (!bad) break;
+    result += "\uFFFD";
+    text.remove_prefix(*bad + 1);
+  }
+  return result;
+}
+
+struct TestCase {
+  std::string name;
+  std::string file;
+  std::vector<const ListingFinding*> findings;
+};
+
+void writeSuite(std::string_view name, const std::vector<TestCase>& cases, RuleLevel failOn, std::ostream& out) {
+  std::size_t failures = 0;
+  for (const auto& testCase : cases) {
+    failures += static_cast<std::size_t>(std::ranges::count_if(
+        testCase.findings, [&](const ListingFinding* finding) { return finding->level <= failOn; }));
+  }
+  out << "  <testsuite name=\"" << xmlEscaped(name) << "\" tests=\"" << cases.size() << "\" failures=\"" << failures
+      << "\" errors=\"0\" skipped=\"0\">\n";
+  for (const auto& testCase : cases) {
+    out << "    <testcase classname=\"" << xmlEscaped(name) << "\" name=\"" << xmlEscaped(testCase.name)
+        << "\" file=\"" << xmlEscaped(testCase.file) << "\"";
+    if (testCase.findings.empty()) {
+      out << "/>\n";
+      continue;
+    }
+    out << ">\n";
+    std::string below;
+    for (const auto* finding : testCase.findings) {
+      std::string detail = location(*finding) + ": " + finding->verdict.message;
+      if (finding->verdict.businessReason) detail += "\nwhy: " + *finding->verdict.businessReason;
+      if (finding->level > failOn) {
+        below += fmt::format("{} [{}, {}]\n", detail, finding->rule, store::levelName(finding->level));
+        continue;
+      }
+      out << "      <failure type=\"" << xmlEscaped(finding->rule) << "\" message=\""
+          << xmlEscaped(fmt::format("{}: {}", store::levelName(finding->level), finding->verdict.message)) << "\">"
+          << xmlEscaped(detail) << "</failure>\n";
+    }
+    if (!below.empty()) out << "      <system-out>" << xmlEscaped(below) << "</system-out>\n";
+    out << "    </testcase>\n";
+  }
+  out << "  </testsuite>\n";
+}
+
+}  // namespace
+
+void writeJunitReport(const CheckReport& report, RuleLevel failOn, std::ostream& out) {
+  out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites name=\"corvane\">\n";
+  auto casesFor = [](const LocaleReport& section, std::span<const store::ListingField> fields,
+                     const std::string& folder) {
+    std::vector<TestCase> cases;
+    for (const auto field : fields) {
+      TestCase testCase{std::string(store::fieldKey(field)), folder + std::string(store::fieldFile(field)), {}};
+      for (const auto& finding : section.findings) {
+        if (finding.field != field) continue;
+        testCase.file = finding.file;  // perhaps default/, where the text really is
+        testCase.findings.push_back(&finding);
+      }
+      cases.push_back(std::move(testCase));
+    }
+    // Findings about the folder itself (an unknown locale folder) have no field.
+    for (const auto& finding : section.findings) {
+      if (!finding.field) cases.push_back(TestCase{finding.file, finding.file, {&finding}});
+    }
+    return cases;
+  };
   for (const auto& locale : report.locales) {
-    json.beginObject();
-    json.member("locale", locale.locale);
-    // Shared findings are listed under every locale too, as the schema has always done.
-    std::vector<ListingFinding> findings = locale.findings;
-    findings.insert(findings.end(), report.shared.findings.begin(), report.shared.findings.end());
-    std::ranges::stable_sort(findings, {}, &ListingFinding::level);
-    writeGroupsJson(json, findings);
-    json.key("checklist");
-    json.beginArray();
-    for (const auto& item : locale.checklist) writeItemJson(json, item);
-    json.endArray();
-    json.endObject();
+    writeSuite(locale.locale, casesFor(locale, store::kLocaleFields, locale.locale + "/"), failOn, out);
   }
-  json.endArray();
-  json.key("shared");
-  json.beginObject();
-  writeGroupsJson(json, report.shared.findings);
-  json.key("checklist");
-  json.beginArray();
-  for (const auto& item : report.shared.checklist) writeItemJson(json, item);
-  json.endArray();
-  json.endObject();
-  json.key("fixes");
-  json.beginArray();
-  for (const auto& change : report.fixes) {
-    json.beginObject();
-    json.member("file", change.file);
-    json.member("action", change.action);
-    json.member("charactersBefore", change.charactersBefore);
-    json.member("charactersAfter", change.charactersAfter);
-    json.member("before", change.before);
-    json.member("after", change.after);
-    json.member("written", report.fixesWritten);
-    json.endObject();
-  }
-  json.endArray();
-  json.key("removedFiles");
-  json.beginArray();
-  for (const auto& file : report.removedFiles) json.value(file);
-  json.endArray();
-  json.key("completion");
-  json.beginObject();
-  json.member("completedItems", report.progress.completedItems);
-  json.member("totalItems", report.progress.totalItems);
-  json.member("blockedItems", report.progress.blockedItems);
-  json.member("status", completionSummary(report));
-  json.member("canComplete", report.canComplete);
-  json.key("nextAction");
-  if (report.nextAction)
-    json.value(report.nextAction->id);
-  else
-    json.null();
-  json.endObject();
-  json.key("decision");
-  json.beginObject();
-  json.member("canSubmit", !report.blocked());
-  for (const auto level : kRuleLevels) {
-    json.key(categoryKey(level));
-    json.value(report.count(level));
-  }
-  json.endObject();
-  json.endObject();
+  writeSuite("shared", casesFor(report.shared, store::kSharedFields, ""), failOn, out);
+  out << "</testsuites>\n";
 }
 
 }  // namespace corvane::cli

@@ -2,6 +2,8 @@
 
 #include "check_report.hpp"
 
+#include "corvane/store/rule_catalog.hpp"
+
 #include <ostream>
 #include <string>
 #include <vector>
@@ -27,7 +29,28 @@ void writeRemovedLines(const std::vector<std::string>& files, std::ostream& out)
 /// `colour` adds ANSI colours.
 void writeTextReport(const CheckReport& report, std::ostream& out, bool colour);
 
+/// One line per finding, "de-DE/name.txt:1:31: blocker: App name: ... [name.length]", and
+/// nothing else (`--quiet`); a finding on a shared file is listed once.
+void writeFindingLines(const CheckReport& report, std::ostream& out, bool colour);
+
+/// GitHub Actions workflow commands: one `::error`, `::warning` or `::notice` per finding
+/// with its file (the folder joined with the finding's file), line, column and rule as
+/// title, then, unless `quiet`, the decision line. Values are escaped as the commands need.
+void writeGithubReport(const CheckReport& report, std::ostream& out, bool quiet);
+
+/// JUnit XML: one test suite per locale and one for the shared files, one test case per
+/// field, a failure for each finding at `failOn` or more urgent; less urgent findings go
+/// to the test case's system-out.
+void writeJunitReport(const CheckReport& report, RuleLevel failOn, std::ostream& out);
+
+/// SARIF 2.1.0: every rule of `catalog` in the driver, every finding (once) a result with
+/// its level, message and location relative to the folder.
+void writeSarifReport(const CheckReport& report, const std::vector<store::RuleInfo>& catalog, std::ostream& out);
+
 /// The report as one JSON document; README.md documents its layout.
 void writeJsonReport(const CheckReport& report, std::ostream& out);
+
+/// The rule catalog as JSON: {"rules": [{"id", "defaultLevel", "checks", "why"}, ...]}.
+void writeRulesJson(const std::vector<store::RuleInfo>& catalog, std::ostream& out);
 
 }  // namespace corvane::cli
