@@ -92,8 +92,7 @@ class ListingRules {
 
  private:
   ListingFinding finding(std::string_view rule, RuleLevel level, std::optional<ListingField> field,
-                         const std::string& file,
-                         std::optional<TextPosition> position, ValidationResult verdict,
+                         const std::string& file, std::optional<TextPosition> position, ValidationResult verdict,
                          std::optional<std::string> fixedText = std::nullopt) const;
   void judgeRequired(ListingField field, std::string_view text, const std::string& file,
                      std::vector<ListingFinding>& out) const;
@@ -109,6 +108,7 @@ class ListingRules {
                      std::vector<ListingFinding>& out) const;
   void judgeContact(ListingField field, std::string_view text, const std::string& file,
                     std::vector<ListingFinding>& out) const;
+  void judgeTitle(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const;
   void judgeContent(ListingField field, std::string_view text, const std::string& file,
                     std::vector<ListingFinding>& out) const;
 
