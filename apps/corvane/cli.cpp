@@ -107,7 +107,7 @@ int listRules(std::span<const std::string> arguments, std::ostream& out) {
     if (value != "text" && value != "json") throw UsageError("--format must be text or json, not '" + value + "'");
     format = value == "json" ? Format::json : Format::text;
   }
-  const auto catalog = store::ruleCatalog(store::StoreFacts::appStore());
+  const auto catalog = store::everyStoreRuleCatalog();
   if (format == Format::json) {
     JsonWriter json(out);
     json.beginObject();
