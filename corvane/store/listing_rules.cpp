@@ -466,6 +466,7 @@ void ListingRules::judgeMissingOptional(ListingField field, std::string_view, co
     case ListingField::subtitle:
     case ListingField::promotionalText:
     case ListingField::marketingUrl:
+    case ListingField::video:
       rule = std::string(fieldKey(field)) + ".missing";
       break;
     default:
@@ -840,6 +841,23 @@ std::vector<ListingFinding> ListingRules::judgeDemoAccount(std::string_view user
                                        manual("Complete the demo account", "Give both the user name and the password",
                                               {"Write the missing part into " + file,
                                                "Or remove both files if review needs no account"}))));
+  return out;
+}
+
+std::vector<ListingFinding> ListingRules::judgeMissingChangelog(std::string_view newest, std::string_view fallback,
+                                                                const std::string& file) const {
+  std::vector<ListingFinding> out;
+  if (context_.firstVersion || !trimmed(newest).empty() || !trimmed(fallback).empty()) return out;
+  const auto level = levelOf("changelog.missing");
+  if (!level) return out;
+  out.push_back(finding(
+      "changelog.missing", *level, ListingField::changelog, file, std::nullopt,
+      listingVerdict(*level, "No release notes for the newest version, and no changelogs/default.txt",
+                     findRule(catalog_, "changelog.missing")->reason,
+                     manual("Say what is new", "Write a few lines on what changed",
+                            {"Write the release notes into changelogs/<versionCode>.txt of the version you upload",
+                             "Or write notes for every version into changelogs/default.txt"},
+                            "5 minutes"))));
   return out;
 }
 

@@ -83,6 +83,12 @@ class ListingRules {
   /// other way round, reported on the file that is missing.
   std::vector<ListingFinding> judgeDemoAccount(std::string_view user, std::string_view password) const;
 
+  /// Release notes for neither the newest version code nor `changelogs/default.txt`
+  /// (`changelog.missing`), reported on `file`, the newest changelog's; nothing for a first
+  /// version.
+  std::vector<ListingFinding> judgeMissingChangelog(std::string_view newest, std::string_view fallback,
+                                                    const std::string& file) const;
+
   /// A folder named like a locale that the store does not know (`locale.unknown`).
   std::vector<ListingFinding> judgeUnknownLocale(const UnknownLocaleFolder& folder) const;
 

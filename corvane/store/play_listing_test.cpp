@@ -74,7 +74,7 @@ TEST(PlayRulesTest, PlantedFaultsAreFoundAndNearMissesStaySilent) {
       {"empty short description", ListingField::shortDescription, "", {"short-description.required"}},
       {"full description one over", ListingField::fullDescription, std::string(4001, 'f'), {"full-description.length"}},
       {"empty full description", ListingField::fullDescription, "", {"full-description.required"}},
-      {"no video is fine", ListingField::video, "", {}},
+      {"no video is a missed opportunity", ListingField::video, "", {"video.missing"}},
       {"no changelog is fine", ListingField::changelog, "", {}},
       {"changelog at the limit", ListingField::changelog, std::string(500, 'c'), {}},
       {"changelog one over", ListingField::changelog, std::string(501, 'c'), {"changelog.length"}},
@@ -199,11 +199,12 @@ TEST(PlayRulesTest, ConfigurationAllowsABrandInCapitalsAndWordsAndSetsLevels) {
 TEST(PlayRulesTest, EachStoreHasItsOwnCatalogAndCorvaneRulesListsBoth) {
   std::vector<std::string> playIds;
   for (const auto& rule : ruleCatalog(play())) playIds.push_back(rule.id);
-  EXPECT_THAT(playIds, ElementsAre("title.required", "title.length", "short-description.required",
-                                   "short-description.length", "full-description.required", "full-description.length",
-                                   "changelog.length", "default-changelog.length", "url.invalid", "url.insecure",
-                                   "address.placeholder", "title.emoji", "title.capitals", "title.claim",
-                                   "content.placeholder", "content.profanity", "content.forbidden", "locale.unknown"));
+  EXPECT_THAT(playIds,
+              ElementsAre("title.required", "title.length", "short-description.required", "short-description.length",
+                          "full-description.required", "full-description.length", "changelog.length",
+                          "default-changelog.length", "url.invalid", "url.insecure", "address.placeholder",
+                          "video.missing", "changelog.missing", "title.emoji", "title.capitals", "title.claim",
+                          "content.placeholder", "content.profanity", "content.forbidden", "locale.unknown"));
   std::vector<std::string> appStoreIds;
   for (const auto& rule : ruleCatalog(appStore())) appStoreIds.push_back(rule.id);
   EXPECT_THAT(appStoreIds, Not(Contains("title.claim")));
@@ -256,12 +257,42 @@ TEST(PlayListingTest, FolderReadingFollowsPlaysLayout) {
   ASSERT_EQ(listing.locales().size(), 1u);
   const auto& locale = *listing.locales()[0];
   EXPECT_EQ(locale.file(ListingField::changelog), "en-US/changelogs/100.txt");
-  EXPECT_THAT(rulesOf(locale.findings()), ElementsAre("changelog.length"));
+  EXPECT_THAT(rulesOf(locale.findings()), ElementsAre("video.missing", "changelog.length"));
   std::vector<std::string> refused;
   for (const auto& finding : listing.folderFindings()) refused.push_back(finding.file + ": " + finding.verdict.message);
   EXPECT_THAT(refused, ElementsAre("default: 'default' is not a locale the store knows",
                                    "en_GB: 'en_GB' is not a locale the store knows; did you mean 'en-GB'?",
                                    "ja: 'ja' is not a locale the store knows; did you mean 'ja-JP'?"));
+}
+
+TEST(PlayListingTest, AnUpdateNeedsReleaseNotesForItsVersionOrByDefault) {
+  struct ChangelogCase {
+    const char* what;
+    std::vector<std::string> changelogs;
+    bool firstVersion;
+    std::vector<std::string> rules;
+  };
+  const std::vector<ChangelogCase> cases = {
+      {"no changelog at all", {}, false, {"changelog.missing"}},
+      {"an empty one for the newest version", {"12.txt"}, false, {"changelog.missing"}},
+      {"the newest version's", {"12.txt"}, false, {}},
+      {"default.txt only", {"default.txt"}, false, {}},
+      {"a first version has nothing new", {}, true, {}},
+  };
+  for (const auto& c : cases) {
+    const TemporaryFolder folder;
+    writeFile(folder.path() / "en-US/title.txt", "Notes\n");
+    writeFile(folder.path() / "en-US/short_description.txt", "Short\n");
+    writeFile(folder.path() / "en-US/full_description.txt", "Full\n");
+    writeFile(folder.path() / "en-US/video.txt", "https://www.youtube.com/watch?v=Xk3n9Q\n");
+    for (const auto& name : c.changelogs) {
+      const bool empty = std::string_view(c.what).starts_with("an empty");
+      writeFile(folder.path() / "en-US/changelogs" / name, empty ? "\n" : "Fixes.\n");
+    }
+    const StoreListing listing(folder.path(), play(), {},
+                               RuleContext{.firstVersion = c.firstVersion, .currentYear = 2026});
+    EXPECT_EQ(rulesOf(listing.locales()[0]->findings()), c.rules) << c.what;
+  }
 }
 
 TEST(PlayListingTest, TheLayoutIsToldByTheFilesOfTheLocaleFolders) {
