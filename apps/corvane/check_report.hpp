@@ -3,6 +3,7 @@
 #include "corvane/completion/completion_item.hpp"
 #include "corvane/completion/completion_progress.hpp"
 #include "corvane/store/listing_finding.hpp"
+#include "corvane/store/store_id.hpp"
 #include "corvane/store/store_listing.hpp"
 
 #include <cstdint>
@@ -33,6 +34,8 @@ struct LocaleReport {
 struct CheckReport {
   /// The folder checked.
   std::filesystem::path directory;
+  /// The store whose layout and rules the folder was judged by.
+  store::StoreId store = store::StoreId::appStore;
   /// Every locale, in name order.
   std::vector<LocaleReport> locales;
   /// The shared files and the folder itself (unknown locale folders).

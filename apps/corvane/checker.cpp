@@ -3,6 +3,8 @@
 #include "metadata_submission.hpp"
 
 #include "corvane/completion/aggregate_completion_guide.hpp"
+#include "corvane/store/input_error.hpp"
+#include "corvane/store/listing_folder.hpp"
 #include "corvane/store/rule_catalog.hpp"
 #include "corvane/store/store_facts.hpp"
 
@@ -12,14 +14,23 @@
 namespace corvane::cli {
 namespace fs = std::filesystem;
 
+const store::StoreFacts& storeFactsFor(const CheckOptions& options) {
+  if (options.store == "auto") return store::StoreFacts::of(store::detectStore(options.directory));
+  if (const auto chosen = store::storeFromKey(options.store)) return store::StoreFacts::of(*chosen);
+  throw store::InputError("'" + options.store + "' is not a store: choose appstore, play or auto");
+}
+
 store::ListingConfiguration loadConfiguration(const CheckOptions& options) {
+  return loadConfiguration(options, storeFactsFor(options));
+}
+
+store::ListingConfiguration loadConfiguration(const CheckOptions& options, const store::StoreFacts& facts) {
   auto file = options.configFile;
   std::error_code error;
   if (!file && fs::is_regular_file(options.directory / ".corvane.toml", error)) {
     file = options.directory / ".corvane.toml";
   }
   if (!file) return {};
-  const auto& facts = store::StoreFacts::appStore();
   const auto catalog = store::ruleCatalog(facts);
   std::vector<std::string_view> rules;
   for (const auto& rule : catalog) rules.push_back(rule.id);
@@ -29,18 +40,19 @@ store::ListingConfiguration loadConfiguration(const CheckOptions& options) {
 namespace {
 
 int thisYear() {
-  const auto today = std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
+  const auto today =
+      std::chrono::year_month_day(std::chrono::floor<std::chrono::days>(std::chrono::system_clock::now()));
   return static_cast<int>(today.year());
 }
 
 }  // namespace
 
 Checker::Checker(CheckOptions options) : options_(std::move(options)) {
-  auto configuration = loadConfiguration(options_);
+  const auto& facts = storeFactsFor(options_);
+  auto configuration = loadConfiguration(options_, facts);
   const store::RuleContext context{.firstVersion = options_.firstVersion,
                                    .currentYear = options_.currentYear.value_or(thisYear())};
-  listing_ = std::make_unique<store::StoreListing>(options_.directory, store::StoreFacts::appStore(),
-                                                   std::move(configuration), context);
+  listing_ = std::make_unique<store::StoreListing>(options_.directory, facts, std::move(configuration), context);
 }
 
 void Checker::applyFixes(const std::vector<store::ListingEdit>& fixes) {
@@ -67,6 +79,7 @@ void Checker::applyFixes(const std::vector<store::ListingEdit>& fixes) {
 CheckReport Checker::report() const {
   CheckReport report;
   report.directory = options_.directory;
+  report.store = listing_->facts().store();
   report.fixes = appliedFixes_;
   report.fixesWritten = fixesWritten_;
   report.removedFiles = removedLeftovers_;

@@ -3,6 +3,7 @@
 #include "check_report.hpp"
 
 #include "corvane/store/listing_configuration.hpp"
+#include "corvane/store/store_facts.hpp"
 #include "corvane/store/store_listing.hpp"
 
 #include <filesystem>
@@ -25,14 +26,23 @@ struct CheckOptions {
   bool fix = false;
   /// With `fix`: report the fixes but write nothing.
   bool dryRun = false;
-  /// Which store's layout and rules: "appstore", "play" or "auto" (recognised from the folder).
-  std::string store = "auto";
   /// The current year for the copyright rules; the system clock's when not given.
   std::optional<int> currentYear;
+  /// The store whose layout and rules apply: "appstore", "play", or "auto" to tell by the
+  /// folder's files (see `store::detectStore`).
+  std::string store = "auto";
 };
 
+/// The facts of the store `options` choose, detecting it from the folder for "auto". Throws
+/// `store::InputError` for any other value.
+const store::StoreFacts& storeFactsFor(const CheckOptions& options);
+
 /// The configuration `options` name: the given file, else the folder's `.corvane.toml`,
-/// else the defaults. Throws `store::ConfigurationError`.
+/// else the defaults; its rules and locales are checked against `facts`' store. Throws
+/// `store::ConfigurationError`.
+store::ListingConfiguration loadConfiguration(const CheckOptions& options, const store::StoreFacts& facts);
+
+/// `loadConfiguration(options, storeFactsFor(options))`.
 store::ListingConfiguration loadConfiguration(const CheckOptions& options);
 
 /// One run of the checker over a metadata folder: reads it into a `store::StoreListing`,
@@ -47,6 +57,9 @@ class Checker {
 
   /// The listing as loaded, with any fixes applied.
   const store::StoreListing& listing() const { return *listing_; }
+
+  /// The store whose layout and rules the check follows.
+  store::StoreId store() const { return listing_->facts().store(); }
 
   /// The auto-fixes the current findings offer.
   std::vector<store::ListingEdit> plannedFixes() const { return listing_->plannedFixes(); }

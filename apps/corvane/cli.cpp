@@ -105,7 +105,7 @@ class QuietLibrary {
 
 // `corvane rules`: every rule with its level, what it checks and why the store cares.
 int listRules(Format format, std::ostream& out) {
-  const auto catalog = store::ruleCatalog(store::StoreFacts::appStore());
+  const auto catalog = store::everyStoreRuleCatalog();
   if (format == Format::json) {
     writeRulesJson(catalog, out);
     return exitReady;
@@ -137,7 +137,7 @@ CheckReport writeReport(const Invocation& invocation, Checker& checker, std::ost
       writeJsonReport(report, out);
       break;
     case Format::sarif:
-      writeSarifReport(report, store::ruleCatalog(store::StoreFacts::appStore()), out);
+      writeSarifReport(report, store::ruleCatalog(store::StoreFacts::of(report.store)), out);
       break;
     case Format::github:
       writeGithubReport(report, out, invocation.quiet);

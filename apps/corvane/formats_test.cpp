@@ -4,6 +4,7 @@
 
 #include "cli_test_support.hpp"
 
+#include "corvane/resources/corvane_resources.hpp"
 #include "corvane/store/rule_catalog.hpp"
 #include "corvane/store/store_facts.hpp"
 
@@ -233,6 +234,23 @@ TEST(JunitTest, OneSuitePerLocaleOneCasePerFieldFailuresFromTheFailOnLevel) {
   EXPECT_EQ(strict.at("de-DE").failures.at("privacy-url"), std::vector<std::string>{"url.insecure"});
   EXPECT_EQ(strict.at("ja").failures.at("marketing-url"), std::vector<std::string>{"marketing-url.missing"});
   EXPECT_EQ(strict.at("en-US").failures.at("description"), std::vector<std::string>{"content.other-platform"});
+}
+
+TEST(StoreFormatsTest, APlayFolderIsReportedWithPlaysFieldsAndRules) {
+  const auto sample = CorvaneResources::samplePlayMetadataDirectory().string();
+  auto suites = parseJunit(run({"check", sample, "--format", "junit", "--fail-on", "opportunity"}).out);
+  ASSERT_TRUE(suites.contains("en-US"));
+  EXPECT_THAT(suites["en-US"].failures["title"], ::testing::Contains("title.emoji"));
+  EXPECT_EQ(suites["en-US"].files["full-description"], "en-US/full_description.txt");
+  EXPECT_FALSE(suites["en-US"].files.contains("keywords")) << "Play has no keywords field";
+
+  const auto sarif = json::parse(run({"check", sample, "--format", "sarif"}).out);
+  std::set<std::string> rules;
+  for (const auto& rule : sarif.at("runs").at(0).at("tool").at("driver").at("rules").as_array()) {
+    rules.insert(std::string(rule.at("id").as_string()));
+  }
+  EXPECT_TRUE(rules.contains("title.emoji"));
+  EXPECT_FALSE(rules.contains("keywords.duplicate")) << "only the chosen store's rules are listed";
 }
 
 TEST(FailOnTest, TheLevelDecidesTheExitStatus) {

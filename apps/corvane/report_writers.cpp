@@ -1,6 +1,7 @@
 #include "report_writers.hpp"
 
 #include "corvane/results/validation_severity.hpp"
+#include "corvane/store/store_facts.hpp"
 #include "corvane/support/describe.hpp"
 #include "corvane/text/characters.hpp"
 #include "corvane/version.hpp"
@@ -381,10 +382,11 @@ void writeJunitReport(const CheckReport& report, RuleLevel failOn, std::ostream&
     }
     return cases;
   };
+  const auto& facts = store::StoreFacts::of(report.store);
   for (const auto& locale : report.locales) {
-    writeSuite(locale.locale, casesFor(locale, store::kLocaleFields, locale.locale + "/"), failOn, out);
+    writeSuite(locale.locale, casesFor(locale, facts.localeFields(), locale.locale + "/"), failOn, out);
   }
-  writeSuite("shared", casesFor(report.shared, store::kSharedFields, ""), failOn, out);
+  writeSuite("shared", casesFor(report.shared, facts.sharedFields(), ""), failOn, out);
   out << "</testsuites>\n";
 }
 

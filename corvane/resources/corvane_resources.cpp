@@ -35,4 +35,8 @@ std::filesystem::path CorvaneResources::sampleMetadataDirectory() {
   return directory() / "sample-metadata";
 }
 
+std::filesystem::path CorvaneResources::samplePlayMetadataDirectory() {
+  return directory() / "sample-play-metadata";
+}
+
 }  // namespace corvane

@@ -17,6 +17,11 @@ class CorvaneResources {
   /// whose check yields a blocker, a rejection risk, an optimization and an opportunity.
   static std::filesystem::path sampleMetadataDirectory();
 
+  /// The bundled Google Play sample, `directory() / "sample-play-metadata"`: three locales
+  /// in Play's layout whose check yields a blocker, a rejection risk, an optimization and an
+  /// opportunity.
+  static std::filesystem::path samplePlayMetadataDirectory();
+
   /// The file of the loaded Corvane library, as the dynamic loader reports it.
   static std::filesystem::path libraryFile();
 };

@@ -168,10 +168,12 @@ class Reader {
         }
       } else if (name == "extra-locales") {
         configuration.extraLocales = readStrings(node, "extra-locales");
+      } else if (name == "capital-brands") {
+        configuration.capitalBrands = readStrings(node, "capital-brands");
       } else if (name == "locales") {
         readLocales(node, configuration);
       } else if (!readSetting(key, node, "", configuration.global)) {
-        reportUnknownKey(key, "", {"first-version", "extra-locales", "rules", "words", "locales"});
+        reportUnknownKey(key, "", {"first-version", "extra-locales", "capital-brands", "rules", "words", "locales"});
       }
     }
     return configuration;

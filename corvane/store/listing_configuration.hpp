@@ -21,6 +21,9 @@ namespace corvane::store {
 //                                   # release notes are not required
 //   extra-locales = ["sl", "en-IN"] # optional array of strings: locale codes the store has
 //                                   # added that the built-in list lacks
+//   capital-brands = ["NASA", "IKEA"]  # optional array of strings: names written in capitals
+//                                   # as the brand is; Google Play's title.capitals rule
+//                                   # ignores them, exactly as written
 //
 //   [rules]                         # rule identifier = level: "off", "blocker",
 //   "name.length" = "optimization"  # "rejection-risk", "optimization" or "opportunity";
@@ -65,6 +68,9 @@ struct ListingConfiguration {
   std::optional<bool> firstVersion;
   /// `extra-locales`, in file order.
   std::vector<std::string> extraLocales;
+  /// `capital-brands`, in file order: names the brand writes in capitals, which do not make a
+  /// title ALL CAPS.
+  std::vector<std::string> capitalBrands;
   /// `[rules]` and `[words]`.
   RuleSettings global;
   /// `[locales.<code>]`, by locale code.

@@ -128,6 +128,11 @@ std::vector<ListingFinding> ListingEntity::findings() const {
       auto demo = rules_->judgeDemoAccount(text(ListingField::reviewDemoUser), s.property->wrappedValue());
       result.insert(result.end(), demo.begin(), demo.end());
     }
+    if (s.field == ListingField::defaultChangelog && holds(ListingField::changelog)) {
+      auto missing = rules_->judgeMissingChangelog(text(ListingField::changelog), s.property->wrappedValue(),
+                                                   file(ListingField::changelog));
+      result.insert(result.end(), missing.begin(), missing.end());
+    }
   }
   return result;
 }

@@ -17,7 +17,7 @@ namespace corvane::store {
 /// field's value beside its saved value, judged by the catalog's rules as it changes. A
 /// field's own verdict (`property(f).validationResult()`) is the combination of its
 /// findings; `findings()` lists them all, including the rules that read two fields (keywords
-/// against the name and subtitle, the demo account's two halves).
+/// against the name and subtitle, the demo account's two halves, Play's two changelogs).
 ///
 /// Not synchronised: use it from one thread at a time, like `Tracked`.
 class ListingEntity final : public TrackableEntity {

@@ -7,6 +7,7 @@ struct FieldRow {
   std::string_view key;
   std::string_view file;
   FieldKind kind;
+  bool shared = false;
 };
 
 // Indexed by ListingField.
@@ -21,20 +22,26 @@ constexpr std::array<FieldRow, kFieldCount> kRows = {{
     {"marketing-url", "marketing_url.txt", FieldKind::url},
     {"privacy-url", "privacy_url.txt", FieldKind::url},
     {"tv-privacy-url", "apple_tv_privacy_policy.txt", FieldKind::url},
-    {"copyright", "copyright.txt", FieldKind::copyright},
-    {"primary-category", "primary_category.txt", FieldKind::category},
-    {"secondary-category", "secondary_category.txt", FieldKind::category},
-    {"primary-first-subcategory", "primary_first_sub_category.txt", FieldKind::category},
-    {"primary-second-subcategory", "primary_second_sub_category.txt", FieldKind::category},
-    {"secondary-first-subcategory", "secondary_first_sub_category.txt", FieldKind::category},
-    {"secondary-second-subcategory", "secondary_second_sub_category.txt", FieldKind::category},
-    {"review-first-name", "review_information/first_name.txt", FieldKind::name},
-    {"review-last-name", "review_information/last_name.txt", FieldKind::name},
-    {"review-phone", "review_information/phone_number.txt", FieldKind::phone},
-    {"review-email", "review_information/email_address.txt", FieldKind::email},
-    {"review-demo-user", "review_information/demo_user.txt", FieldKind::secret},
-    {"review-demo-password", "review_information/demo_password.txt", FieldKind::secret},
-    {"review-notes", "review_information/notes.txt", FieldKind::text},
+    {"copyright", "copyright.txt", FieldKind::copyright, true},
+    {"primary-category", "primary_category.txt", FieldKind::category, true},
+    {"secondary-category", "secondary_category.txt", FieldKind::category, true},
+    {"primary-first-subcategory", "primary_first_sub_category.txt", FieldKind::category, true},
+    {"primary-second-subcategory", "primary_second_sub_category.txt", FieldKind::category, true},
+    {"secondary-first-subcategory", "secondary_first_sub_category.txt", FieldKind::category, true},
+    {"secondary-second-subcategory", "secondary_second_sub_category.txt", FieldKind::category, true},
+    {"review-first-name", "review_information/first_name.txt", FieldKind::name, true},
+    {"review-last-name", "review_information/last_name.txt", FieldKind::name, true},
+    {"review-phone", "review_information/phone_number.txt", FieldKind::phone, true},
+    {"review-email", "review_information/email_address.txt", FieldKind::email, true},
+    {"review-demo-user", "review_information/demo_user.txt", FieldKind::secret, true},
+    {"review-demo-password", "review_information/demo_password.txt", FieldKind::secret, true},
+    {"review-notes", "review_information/notes.txt", FieldKind::text, true},
+    {"title", "title.txt", FieldKind::text},
+    {"short-description", "short_description.txt", FieldKind::text},
+    {"full-description", "full_description.txt", FieldKind::text},
+    {"video", "video.txt", FieldKind::url},
+    {"changelog", "changelogs/<versionCode>.txt", FieldKind::text},
+    {"default-changelog", "changelogs/default.txt", FieldKind::text},
 }};
 
 const FieldRow& row(ListingField field) noexcept {
@@ -59,7 +66,7 @@ std::string_view fieldFile(ListingField field) noexcept {
 }
 
 bool isShared(ListingField field) noexcept {
-  return fieldIndex(field) >= kLocaleFields.size();
+  return row(field).shared;
 }
 
 FieldKind fieldKind(ListingField field) noexcept {

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cstring>
 #include <system_error>
 #include <utility>
@@ -143,21 +144,47 @@ class Reader {
   std::uintmax_t bytesRead_ = 0;
 };
 
-LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path& folder) {
+// The newest "changelogs/<versionCode>.txt" in `folder`: the highest version code, compared
+// as a number; nothing when there is none. default.txt and other names are no version code.
+std::optional<std::string> newestChangelog(const fs::path& folder) {
+  std::error_code error;
+  std::optional<std::pair<std::uint64_t, std::string>> newest;
+  for (const auto& entry : fs::directory_iterator(folder / "changelogs", error)) {
+    const std::string name = entry.path().filename().string();
+    if (!name.ends_with(".txt")) continue;
+    const std::string_view digits = std::string_view(name).substr(0, name.size() - 4);
+    std::uint64_t code = 0;
+    const auto [end, problem] = std::from_chars(digits.data(), digits.data() + digits.size(), code);
+    if (digits.empty() || problem != std::errc() || end != digits.data() + digits.size()) continue;
+    if (!newest || code > newest->first) newest = std::pair(code, name);
+  }
+  if (!newest) return std::nullopt;
+  return "changelogs/" + newest->second;
+}
+
+LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path& folder,
+                        std::span<const ListingField> fields) {
   const bool isLink = reader.checkLink(folder);
   const FileHandle directory = reader.openFolder(folder);
   LocaleFolder locale{.locale = name, .folder = folder, .texts = {}};
-  for (const auto field : kLocaleFields) {
-    locale.text(field) =
-        reader.read(directory, folder, fieldFile(field), name + "/" + std::string(fieldFile(field)), isLink);
+  for (const auto field : fields) {
+    std::string relative(fieldFile(field));
+    if (field == ListingField::changelog) {
+      auto newest = newestChangelog(folder);
+      if (!newest) continue;  // nothing to read; the text stays empty with no file
+      relative = std::move(*newest);
+    }
+    const bool inLinkedFolder = relative.starts_with("changelogs/") && reader.checkLink(folder / "changelogs");
+    locale.text(field) = reader.read(directory, folder, relative, name + "/" + relative, isLink || inLinkedFolder);
   }
   return locale;
 }
 
-bool holdsListingFile(const fs::path& folder) {
+bool holdsListingFile(const fs::path& folder, std::span<const ListingField> fields) {
   std::error_code error;
-  return std::ranges::any_of(kLocaleFields,
-                             [&](ListingField field) { return fs::exists(folder / fieldFile(field), error); });
+  return std::ranges::any_of(fields, [&](ListingField field) {
+    return field != ListingField::changelog && fs::exists(folder / fieldFile(field), error);
+  });
 }
 
 }  // namespace
@@ -198,7 +225,8 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
     if (known) {
       reader.checkLink(entry.path());
       if (entry.is_directory(entryError)) localeNames.push_back(name);
-    } else if (entry.is_directory(entryError) && (looksLikeLocale(name) || holdsListingFile(entry.path()))) {
+    } else if (entry.is_directory(entryError) &&
+               (looksLikeLocale(name) || holdsListingFile(entry.path(), facts.localeFields()))) {
       listing.unknownLocales.push_back({name, facts.closestLocale(name)});
     }
   }
@@ -215,15 +243,17 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   }
 
   std::optional<LocaleFolder> defaults;
-  if (fs::is_directory(root / "default", error)) defaults = readLocale(reader, "default", root / "default");
+  if (facts.hasDefaultFolder() && fs::is_directory(root / "default", error)) {
+    defaults = readLocale(reader, "default", root / "default", facts.localeFields());
+  }
   for (const auto& name : localeNames) {
-    LocaleFolder locale = readLocale(reader, name, root / name);
+    LocaleFolder locale = readLocale(reader, name, root / name, facts.localeFields());
     const bool anyFile = std::ranges::any_of(locale.texts, [](const ListingText& t) { return t.text.has_value(); });
     if (!anyFile && !defaults) {
       throw InputError(locale.folder.string() + ": locale folder holds none of the metadata files");
     }
     if (defaults) {
-      for (const auto field : kLocaleFields) {
+      for (const auto field : facts.localeFields()) {
         auto& text = locale.text(field);
         const auto& fallback = defaults->text(field);
         if (text.text || !fallback.text) continue;
@@ -234,15 +264,33 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
     listing.locales.push_back(std::move(locale));
   }
 
-  const bool reviewIsLink = reader.checkLink(root / "review_information");
+  const bool reviewIsLink = !facts.sharedFields().empty() && reader.checkLink(root / "review_information");
   const FileHandle rootFolder = reader.openFolder(root);
-  for (const auto field : kSharedFields) {
+  for (const auto field : facts.sharedFields()) {
     const std::string_view file = fieldFile(field);
-    listing.sharedText(field) = reader.read(rootFolder, root, file, std::string(file),
-                                            file.starts_with("review_information/") && reviewIsLink);
+    listing.sharedText(field) =
+        reader.read(rootFolder, root, file, std::string(file), file.starts_with("review_information/") && reviewIsLink);
   }
   listing.bytesRead = reader.bytesRead();
   return listing;
+}
+
+StoreId detectStore(const fs::path& root) {
+  std::error_code error;
+  auto holdsAny = [&](const fs::path& folder, std::span<const ListingField> fields) {
+    return std::ranges::any_of(fields, [&](ListingField field) {
+      return field != ListingField::changelog && fs::exists(folder / fieldFile(field), error);
+    });
+  };
+  if (holdsAny(root, kSharedFields)) return StoreId::appStore;
+  bool play = false;
+  for (const auto& entry : fs::directory_iterator(root, error)) {
+    std::error_code entryError;
+    if (!entry.is_directory(entryError) || entry.path().filename().string().starts_with('.')) continue;
+    if (holdsAny(entry.path(), kLocaleFields)) return StoreId::appStore;
+    play = play || holdsAny(entry.path(), kPlayLocaleFields);
+  }
+  return play ? StoreId::googlePlay : StoreId::appStore;
 }
 
 }  // namespace corvane::store

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/store/listing_field.hpp"
+#include "corvane/store/store_id.hpp"
 #include "corvane/store/text_frame.hpp"
 
 #include <array>
@@ -36,14 +37,16 @@ struct ListingText {
   std::string_view value() const { return text ? std::string_view(*text) : std::string_view(); }
 };
 
-/// A locale folder's texts, with `default/`'s standing in for the files it lacks.
+/// A locale folder's texts, with `default/`'s standing in for the files it lacks where the
+/// store's layout has one.
 struct LocaleFolder {
   /// The folder's name, which is the locale code ("en-US").
   std::string locale;
   /// The folder itself.
   std::filesystem::path folder;
-  /// Indexed by the position of the field in `kLocaleFields`.
-  std::array<ListingText, kLocaleFields.size()> texts;
+  /// Indexed by `fieldIndex`; only the store's localized fields are read, the others stay
+  /// empty.
+  std::array<ListingText, kFieldCount> texts;
 
   /// The text of localized field `field`.
   const ListingText& text(ListingField field) const { return texts[fieldIndex(field)]; }
@@ -65,14 +68,14 @@ struct ListingFolder {
   std::vector<LocaleFolder> locales;
   /// Folders named like locales that the store does not know, sorted by name.
   std::vector<UnknownLocaleFolder> unknownLocales;
-  /// The shared texts, indexed by the position of the field in `kSharedFields`.
-  std::array<ListingText, kSharedFields.size()> shared;
+  /// The shared texts, indexed by `fieldIndex`; only the store's shared fields are read.
+  std::array<ListingText, kFieldCount> shared;
   /// The total size of the files read.
   std::uintmax_t bytesRead = 0;
 
   /// The text of shared field `field`.
-  const ListingText& sharedText(ListingField field) const { return shared[fieldIndex(field) - kLocaleFields.size()]; }
-  ListingText& sharedText(ListingField field) { return shared[fieldIndex(field) - kLocaleFields.size()]; }
+  const ListingText& sharedText(ListingField field) const { return shared[fieldIndex(field)]; }
+  ListingText& sharedText(ListingField field) { return shared[fieldIndex(field)]; }
 };
 
 /// Files larger than this are refused: store texts are a few kilobytes at most.
@@ -83,9 +86,12 @@ inline constexpr std::uintmax_t kMaxFileSize = 1024 * 1024;
 /// "zh-Hans", "en-US-x1"). Whether the store knows the code is `StoreFacts`' to say.
 bool looksLikeLocale(std::string_view name) noexcept;
 
-/// Reads the metadata folder `root`: every top-level folder whose name is one of the store's
-/// locale codes (or of `extraLocales`) is a locale, with `default/`'s files standing in for
-/// those it lacks; the shared files at the top and in `review_information/`. A folder that
+/// Reads the metadata folder `root` in the layout of `facts`' store: every top-level folder
+/// whose name is one of the store's locale codes (or of `extraLocales`) is a locale, holding
+/// the store's localized fields (`StoreFacts::localeFields()`); in the App Store's layout
+/// `default/`'s files stand in for those it lacks, and the shared files are read from the
+/// top and `review_information/`. In Google Play's, a locale's `changelog` is the
+/// `changelogs/<versionCode>.txt` with the highest version code. A folder that
 /// looks like a locale (by `looksLikeLocale`, or because it holds a listing file) but is no
 /// code the store knows is listed in `unknownLocales`; other folders and files are ignored.
 ///
@@ -95,5 +101,12 @@ bool looksLikeLocale(std::string_view name) noexcept;
 /// UTF-8, or when a symbolic link leads outside `root` or nowhere. Reads only.
 ListingFolder readListingFolder(const std::filesystem::path& root, const StoreFacts& facts,
                                 std::span<const std::string> extraLocales = {});
+
+/// The store whose layout the metadata folder `root` is written in: Google Play's when some
+/// top-level folder holds one of its locale files (title.txt, short_description.txt,
+/// full_description.txt, video.txt) and none holds an App Store locale file, nor does the
+/// top hold the App Store's shared files; the App Store's otherwise, also for a folder that
+/// cannot be read, whose reading then reports the problem. Looks at names only.
+StoreId detectStore(const std::filesystem::path& root);
 
 }  // namespace corvane::store

@@ -200,6 +200,55 @@ std::string hostOfEmail(std::string_view address) {
   return lowercased(address.substr(address.rfind('@') + 1));
 }
 
+// Whether the character (one grapheme cluster) is an emoji: it holds a pictographic code
+// point, a flag's regional indicator or a keycap. The copyright, registered and trade mark
+// signs are pictographic by Unicode's data but belong in a title.
+bool isEmojiCharacter(std::string_view character) {
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(character.data());
+  for (std::size_t at = 0; at < character.size();) {
+    utf8proc_int32_t codePoint = 0;
+    const auto length = utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(character.size() - at), &codePoint);
+    if (length <= 0) return false;
+    at += static_cast<std::size_t>(length);
+    if (codePoint == 0xA9 || codePoint == 0xAE || codePoint == 0x2122) continue;
+    const auto boundary = utf8proc_get_property(codePoint)->boundclass;
+    if (boundary == UTF8PROC_BOUNDCLASS_EXTENDED_PICTOGRAPHIC || boundary == UTF8PROC_BOUNDCLASS_REGIONAL_INDICATOR ||
+        codePoint == 0x20E3) {
+      return true;
+    }
+  }
+  return false;
+}
+
+bool isAsciiAlnum(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
+}
+
+// Whether `text` is written in capitals: once the brand names written so are left out, it
+// has more than three letters with a letter case and none in lower case. Up to three
+// ("BBC", "TV") read as an abbreviation, not as shouting; scripts without case never count.
+bool isAllCapitals(std::string_view text, const std::vector<std::string>& brands) {
+  std::string rest(text);
+  for (const auto& brand : brands) {
+    if (brand.empty()) continue;
+    for (auto at = rest.find(brand); at != std::string::npos; at = rest.find(brand, at + 1)) {
+      rest.replace(at, brand.size(), " ");
+    }
+  }
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(rest.data());
+  int capitals = 0;
+  for (std::size_t at = 0; at < rest.size();) {
+    utf8proc_int32_t codePoint = 0;
+    const auto length = utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(rest.size() - at), &codePoint);
+    if (length <= 0) return false;
+    at += static_cast<std::size_t>(length);
+    const auto category = utf8proc_category(codePoint);
+    if (category == UTF8PROC_CATEGORY_LL) return false;
+    if (category == UTF8PROC_CATEGORY_LU || category == UTF8PROC_CATEGORY_LT) ++capitals;
+  }
+  return capitals > 3;
+}
+
 }  // namespace
 
 ValidationResult listingVerdict(RuleLevel level, std::string message, std::string reason, ActionGuidance guidance) {
@@ -236,6 +285,7 @@ struct CompiledWordLists {
   PhraseMatcher content;
   std::vector<std::string_view> contentRules;  // the rule of each of content's phrases
   PhraseMatcher claims;                        // the claim family, for name, subtitle and keywords only
+  PhraseMatcher titleClaims;                   // the title-claim family, for Play's title only
   PhraseMatcher allowed;
 };
 
@@ -274,6 +324,7 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   for (const auto& [family, rule] : kContentFamilies) key += levelOf(rule) ? '1' : '0';
   key += levelOf("content.forbidden") ? '1' : '0';
   key += levelOf("content.claim") ? '1' : '0';
+  key += levelOf("title.claim") ? '1' : '0';
   for (const auto* list : {&settings.forbidden, &settings.allowed}) {
     key += '\n';
     for (const auto& word : *list) key.append(word).append(1, '\0');
@@ -297,6 +348,9 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   if (levelOf("content.forbidden")) addContent(settings.forbidden, "content.forbidden");
   if (levelOf("content.claim")) {
     for (const auto& word : facts_.words("claim", locale_)) compiled->claims.add(word);
+  }
+  if (levelOf("title.claim")) {
+    for (const auto& word : facts_.words("title-claim", locale_)) compiled->titleClaims.add(word);
   }
   for (const auto& word : settings.allowed) compiled->allowed.add(word);
   words_ = compiled;
@@ -352,6 +406,7 @@ std::vector<ListingFinding> ListingRules::judge(ListingField field, std::string_
     case FieldKind::secret:
       break;
   }
+  if (field == ListingField::title) judgeTitle(text, file, out);
   if (isStoreText(field)) judgeContent(field, text, file, out);
   return out;
 }
@@ -411,6 +466,7 @@ void ListingRules::judgeMissingOptional(ListingField field, std::string_view, co
     case ListingField::subtitle:
     case ListingField::promotionalText:
     case ListingField::marketingUrl:
+    case ListingField::video:
       rule = std::string(fieldKey(field)) + ".missing";
       break;
     default:
@@ -647,7 +703,11 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
                                 std::vector<ListingFinding>& out) const {
   const bool claimsApply =
       field == ListingField::name || field == ListingField::subtitle || field == ListingField::keywords;
-  if (words_->content.empty() && (!claimsApply || words_->claims.empty()) && !levelOf("content.placeholder")) return;
+  const bool titleClaimsApply = field == ListingField::title && !words_->titleClaims.empty();
+  if (words_->content.empty() && (!claimsApply || words_->claims.empty()) && !titleClaimsApply &&
+      !levelOf("content.placeholder")) {
+    return;
+  }
   const std::string label = facts_.field(field).label;
   // Reused by every call on this thread, so that judging many texts allocates little.
   thread_local TokenizedText tokens;
@@ -672,6 +732,11 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       if (!isAllowed(match)) hits.push_back({match.offset, match.length, "content.claim"});
     }
   }
+  if (titleClaimsApply) {
+    for (const auto& match : words_->titleClaims.findAll(tokens)) {
+      if (!isAllowed(match)) hits.push_back({match.offset, match.length, "title.claim"});
+    }
+  }
   if (levelOf("content.placeholder")) {
     for (const auto& link : tokens.links()) {
       if (facts_.isPlaceholderHost(link.host)) hits.push_back({link.offset, link.length, "content.placeholder"});
@@ -680,7 +745,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
   // Reported in catalog order, each rule's matches in text order.
   std::ranges::sort(hits, [](const Hit& a, const Hit& b) { return a.offset < b.offset; });
   for (const auto& rule : catalog_) {
-    if (!rule.id.starts_with("content.")) continue;
+    if (!rule.id.starts_with("content.") && rule.id != "title.claim") continue;
     for (const auto& hit : hits) {
       if (hit.rule != rule.id) continue;
       const auto level = levelOf(hit.rule);
@@ -693,6 +758,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       if (hit.rule == "content.claim") message = label + " makes a price or ranking claim: " + quoted;
       if (hit.rule == "content.profanity") message = label + " holds profanity: " + quoted;
       if (hit.rule == "content.forbidden") message = label + " holds a forbidden word: " + quoted;
+      if (hit.rule == "title.claim") message = label + " makes a claim or calls to action: " + quoted;
       auto guidance =
           manual("Reword it", "Remove or replace " + quoted, {"Remove or replace " + quoted + " in " + file});
       guidance.alternativeActions.push_back(
@@ -702,6 +768,60 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       out.push_back(finding(hit.rule, *level, field, file, positionAt(text, hit.offset),
                             listingVerdict(*level, std::move(message), rule.reason, std::move(guidance))));
     }
+  }
+}
+
+void ListingRules::judgeTitle(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const {
+  constexpr auto field = ListingField::title;
+  const std::string label = facts_.field(field).label;
+  if (const auto level = levelOf("title.emoji")) {
+    struct Hit {
+      std::size_t offset;
+      std::string_view shown;
+      bool emoticon;
+    };
+    std::vector<Hit> hits;
+    for (std::size_t at = 0; at < text.size();) {
+      const std::string_view character = prefixCharacters(text.substr(at), 1);
+      if (character.empty()) break;
+      if (isEmojiCharacter(character)) hits.push_back({at, character, false});
+      at += character.size();
+    }
+    // An emoticon counts where it stands apart from letters and digits, so that "10:30" or
+    // "https://" hold none.
+    for (const auto& emoticon : facts_.emoticons()) {
+      for (auto at = text.find(emoticon); at != std::string_view::npos; at = text.find(emoticon, at + 1)) {
+        const std::size_t end = at + emoticon.size();
+        if ((at > 0 && isAsciiAlnum(text[at - 1])) || (end < text.size() && isAsciiAlnum(text[end]))) continue;
+        const bool inside = std::ranges::any_of(hits, [&](const Hit& other) {
+          return other.emoticon && other.offset <= at && end <= other.offset + other.shown.size();
+        });
+        if (!inside) hits.push_back({at, text.substr(at, emoticon.size()), true});
+      }
+    }
+    std::ranges::sort(hits, {}, &Hit::offset);
+    for (const auto& hit : hits) {
+      const std::string quoted = fmt::format("'{}'", hit.shown);
+      out.push_back(
+          finding("title.emoji", *level, field, file, positionAt(text, hit.offset),
+                  listingVerdict(*level, label + (hit.emoticon ? " holds an emoticon: " : " holds an emoji: ") + quoted,
+                                 findRule(catalog_, "title.emoji")->reason,
+                                 manual("Remove it", "Keep emoji and emoticons for the description",
+                                        {"Remove " + quoted + " from " + file}))));
+    }
+  }
+  if (const auto level = levelOf("title.capitals");
+      level && isAllCapitals(trimmed(text), configuration_.capitalBrands)) {
+    auto guidance = manual("Write it in normal letter case", "Capitalise it as a sentence or a name is",
+                           {"Rewrite " + file + " in normal letter case"});
+    guidance.alternativeActions.push_back(
+        Action{.title = "Declare the brand",
+               .description = "If the brand is written in capitals, say so in the configuration",
+               .type = ActionType::manual({"Add the brand, as written, to capital-brands in .corvane.toml"})});
+    const std::size_t start = static_cast<std::size_t>(trimmed(text).data() - text.data());
+    out.push_back(finding("title.capitals", *level, field, file, positionAt(text, start),
+                          listingVerdict(*level, label + " is written in capitals",
+                                         findRule(catalog_, "title.capitals")->reason, std::move(guidance))));
   }
 }
 
@@ -721,6 +841,23 @@ std::vector<ListingFinding> ListingRules::judgeDemoAccount(std::string_view user
                                        manual("Complete the demo account", "Give both the user name and the password",
                                               {"Write the missing part into " + file,
                                                "Or remove both files if review needs no account"}))));
+  return out;
+}
+
+std::vector<ListingFinding> ListingRules::judgeMissingChangelog(std::string_view newest, std::string_view fallback,
+                                                                const std::string& file) const {
+  std::vector<ListingFinding> out;
+  if (context_.firstVersion || !trimmed(newest).empty() || !trimmed(fallback).empty()) return out;
+  const auto level = levelOf("changelog.missing");
+  if (!level) return out;
+  out.push_back(finding(
+      "changelog.missing", *level, ListingField::changelog, file, std::nullopt,
+      listingVerdict(*level, "No release notes for the newest version, and no changelogs/default.txt",
+                     findRule(catalog_, "changelog.missing")->reason,
+                     manual("Say what is new", "Write a few lines on what changed",
+                            {"Write the release notes into changelogs/<versionCode>.txt of the version you upload",
+                             "Or write notes for every version into changelogs/default.txt"},
+                            "5 minutes"))));
   return out;
 }
 

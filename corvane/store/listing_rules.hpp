@@ -83,6 +83,12 @@ class ListingRules {
   /// other way round, reported on the file that is missing.
   std::vector<ListingFinding> judgeDemoAccount(std::string_view user, std::string_view password) const;
 
+  /// Release notes for neither the newest version code nor `changelogs/default.txt`
+  /// (`changelog.missing`), reported on `file`, the newest changelog's; nothing for a first
+  /// version.
+  std::vector<ListingFinding> judgeMissingChangelog(std::string_view newest, std::string_view fallback,
+                                                    const std::string& file) const;
+
   /// A folder named like a locale that the store does not know (`locale.unknown`).
   std::vector<ListingFinding> judgeUnknownLocale(const UnknownLocaleFolder& folder) const;
 
@@ -92,8 +98,7 @@ class ListingRules {
 
  private:
   ListingFinding finding(std::string_view rule, RuleLevel level, std::optional<ListingField> field,
-                         const std::string& file,
-                         std::optional<TextPosition> position, ValidationResult verdict,
+                         const std::string& file, std::optional<TextPosition> position, ValidationResult verdict,
                          std::optional<std::string> fixedText = std::nullopt) const;
   void judgeRequired(ListingField field, std::string_view text, const std::string& file,
                      std::vector<ListingFinding>& out) const;
@@ -109,6 +114,7 @@ class ListingRules {
                      std::vector<ListingFinding>& out) const;
   void judgeContact(ListingField field, std::string_view text, const std::string& file,
                     std::vector<ListingFinding>& out) const;
+  void judgeTitle(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const;
   void judgeContent(ListingField field, std::string_view text, const std::string& file,
                     std::vector<ListingFinding>& out) const;
 

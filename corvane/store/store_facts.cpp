@@ -29,22 +29,39 @@ std::vector<std::string> readList(const fs::path& path) {
   return entries;
 }
 
-void readFields(const fs::path& path, std::array<FieldFacts, kFieldCount>& fields) {
+void readFields(const fs::path& path, std::span<const ListingField> storeFields,
+                std::array<FieldFacts, kFieldCount>& fields) {
   toml::table table;
   try {
     table = toml::parse_file(path.string());
   } catch (const toml::parse_error& error) {
     throw std::runtime_error(path.string() + ": " + std::string(error.description()));
   }
-  for (std::size_t i = 0; i < kFieldCount; ++i) {
-    const auto field = static_cast<ListingField>(i);
+  for (const auto field : storeFields) {
     const auto* entry = table[fieldKey(field)].as_table();
     if (entry == nullptr) throw std::runtime_error(path.string() + ": no entry for " + std::string(fieldKey(field)));
-    auto& facts = fields[i];
+    auto& facts = fields[fieldIndex(field)];
     facts.label = (*entry)["label"].value_or(std::string(fieldKey(field)));
     if (auto limit = (*entry)["limit"].value<std::int64_t>()) facts.limit = *limit;
     facts.required = (*entry)["required"].value_or(false);
   }
+}
+
+// Reads word lists laid out as <family>/<language>.txt below `folder` into `words`.
+void readWordLists(const fs::path& folder,
+                   std::map<std::string, std::map<std::string, std::vector<std::string>>, std::less<>>& words) {
+  std::error_code error;
+  for (const auto& family : fs::directory_iterator(folder, error)) {
+    if (!family.is_directory()) continue;
+    for (const auto& list : fs::directory_iterator(family.path())) {
+      if (list.path().extension() != ".txt") continue;
+      auto entries = readList(list.path());
+      for (auto& entry : entries) entry = lowercased(entry);
+      auto& target = words[family.path().filename().string()][list.path().stem().string()];
+      target.insert(target.end(), entries.begin(), entries.end());
+    }
+  }
+  if (error) throw std::runtime_error(folder.string() + ": cannot read the word lists: " + error.message());
 }
 
 bool contains(const std::vector<std::string>& list, std::string_view value) {
@@ -54,29 +71,46 @@ bool contains(const std::vector<std::string>& list, std::string_view value) {
 }  // namespace
 
 const StoreFacts& StoreFacts::appStore() {
-  static const StoreFacts facts = load(CorvaneResources::directory() / "store");
+  static const StoreFacts facts = load(CorvaneResources::directory() / "store", StoreId::appStore);
   return facts;
 }
 
-StoreFacts StoreFacts::load(const fs::path& folder) {
-  StoreFacts facts;
-  readFields(folder / "app-store" / "fields.toml", facts.fields_);
-  facts.locales_ = readList(folder / "app-store" / "locales.txt");
-  facts.sharedFolders_ = readList(folder / "app-store" / "shared-folders.txt");
-  facts.categories_ = readList(folder / "app-store" / "categories.txt");
-  facts.placeholderDomains_ = readList(folder / "placeholder-domains.txt");
-  std::error_code error;
-  for (const auto& family : fs::directory_iterator(folder / "words", error)) {
-    if (!family.is_directory()) continue;
-    for (const auto& list : fs::directory_iterator(family.path())) {
-      if (list.path().extension() != ".txt") continue;
-      auto entries = readList(list.path());
-      for (auto& entry : entries) entry = lowercased(entry);
-      facts.words_[family.path().filename().string()][list.path().stem().string()] = std::move(entries);
-    }
-  }
-  if (error) throw std::runtime_error((folder / "words").string() + ": cannot read the word lists: " + error.message());
+const StoreFacts& StoreFacts::googlePlay() {
+  static const StoreFacts facts = load(CorvaneResources::directory() / "store", StoreId::googlePlay);
   return facts;
+}
+
+const StoreFacts& StoreFacts::of(StoreId store) {
+  return store == StoreId::googlePlay ? googlePlay() : appStore();
+}
+
+StoreFacts StoreFacts::load(const fs::path& folder, StoreId store) {
+  StoreFacts facts;
+  facts.store_ = store;
+  const fs::path own = folder / (store == StoreId::googlePlay ? "google-play" : "app-store");
+  readFields(own / "fields.toml", facts.localeFields(), facts.fields_);
+  readFields(own / "fields.toml", facts.sharedFields(), facts.fields_);
+  facts.locales_ = readList(own / "locales.txt");
+  facts.sharedFolders_ = readList(own / "shared-folders.txt");
+  // Lists only one store has are optional: Play has no categories, the App Store no
+  // emoticon list.
+  std::error_code error;
+  if (fs::exists(own / "categories.txt", error)) facts.categories_ = readList(own / "categories.txt");
+  if (fs::exists(own / "emoticons.txt", error)) facts.emoticons_ = readList(own / "emoticons.txt");
+  facts.placeholderDomains_ = readList(folder / "placeholder-domains.txt");
+  readWordLists(folder / "words", facts.words_);
+  if (fs::is_directory(own / "words", error)) readWordLists(own / "words", facts.words_);
+  return facts;
+}
+
+std::span<const ListingField> StoreFacts::localeFields() const {
+  if (store_ == StoreId::googlePlay) return kPlayLocaleFields;
+  return kLocaleFields;
+}
+
+std::span<const ListingField> StoreFacts::sharedFields() const {
+  if (store_ == StoreId::googlePlay) return {};
+  return kSharedFields;
 }
 
 bool StoreFacts::isLocale(std::string_view code) const {

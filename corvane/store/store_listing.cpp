@@ -51,8 +51,8 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
   for (const auto& locale : folder_.locales) {
     auto rules = std::make_shared<const ListingRules>(facts_, configuration_, locale.locale, context, &cache);
     auto entity = std::make_shared<ListingEntity>(
-        locale.locale, kLocaleFields, std::move(rules),
-        initial(locale.locale, kLocaleFields,
+        locale.locale, facts_.localeFields(), std::move(rules),
+        initial(locale.locale, facts_.localeFields(),
                 [&](ListingField field) -> const ListingText& { return locale.text(field); }));
     tracker_->register_(entity);
     locales_.push_back(std::move(entity));
@@ -63,8 +63,8 @@ StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, Listin
     folderFindings_.insert(folderFindings_.end(), found.begin(), found.end());
   }
   shared_ = std::make_shared<ListingEntity>(
-      "shared", kSharedFields, std::move(sharedRules),
-      initial("shared", kSharedFields,
+      "shared", facts_.sharedFields(), std::move(sharedRules),
+      initial("shared", facts_.sharedFields(),
               [&](ListingField field) -> const ListingText& { return folder_.sharedText(field); }));
   tracker_->register_(shared_);
 }
@@ -191,6 +191,7 @@ std::vector<std::string> StoreListing::removeLeftoverFiles() const {
   const fs::path root = fs::weakly_canonical(folder_.root, error);
   std::set<fs::path> folders = {root};
   auto add = [&](const fs::path& path) {
+    if (path.empty()) return;  // a field of another store: never read
     std::error_code pathError;
     const fs::path real = fs::weakly_canonical(path, pathError);
     if (!pathError && std::ranges::mismatch(root, real).in1 == root.end()) folders.insert(real.parent_path());
@@ -199,7 +200,7 @@ std::vector<std::string> StoreListing::removeLeftoverFiles() const {
     for (const auto& text : locale.texts) add(text.path);
   }
   for (const auto& text : folder_.shared) add(text.path);
-  add(folder_.root / "default" / fieldFile(ListingField::name));
+  if (facts_.hasDefaultFolder()) add(folder_.root / "default" / fieldFile(ListingField::name));
   std::vector<std::string> removed;
   for (const auto& folder : folders) {
     for (const auto& file : store::removeLeftoverFiles(folder)) removed.push_back(fs::relative(file, root).string());
@@ -228,9 +229,9 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
     if (!about.required && empty && !anyFinding) continue;
     const bool required =
         about.required && !(field == ListingField::releaseNotes && blocker == findings.end() && empty);
-    const Priority priority = field == ListingField::name ? Priority::critical
-                              : required                  ? Priority::required
-                                                          : Priority::optional;
+    const Priority priority = field == ListingField::name || field == ListingField::title ? Priority::critical
+                              : required                                                  ? Priority::required
+                                                                                          : Priority::optional;
     ItemStatus status = ItemStatus::completed();
     std::string description = "Ready";
     if (blocker != findings.end()) {
@@ -246,8 +247,10 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
     if (!isSharedEntity && source(entity, field).source == TextSource::defaults && !empty) {
       description += " (from default/)";
     }
-    std::string id =
-        isSharedEntity ? std::string(fieldFile(field)) : entity.scope() + "/" + std::string(fieldFile(field));
+    // A changelog is named after its version code, which only the file read knows.
+    std::string id = isSharedEntity                     ? std::string(fieldFile(field))
+                     : field == ListingField::changelog ? entity.file(field)
+                                                        : entity.scope() + "/" + std::string(fieldFile(field));
     items.emplace_back(std::move(id), about.label, std::move(description), std::move(status), priority,
                        isSharedEntity ? std::string("Shared") : entity.scope());
   }

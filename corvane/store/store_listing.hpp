@@ -41,9 +41,10 @@ struct ListingEdit {
   std::int64_t charactersAfter = 0;
 };
 
-/// A metadata folder loaded for checking and editing: one `ListingEntity` per locale and one
-/// for the shared files, registered with one `UnifiedChangeTracker`. The files are the saved
-/// state, so edits are exactly the tracker's unsaved changes.
+/// A metadata folder loaded for checking and editing, in the layout and by the rules of one
+/// store (the `StoreFacts` given): one `ListingEntity` per locale and one for the shared
+/// files (none in Google Play's layout, whose entity is then empty), registered with one `UnifiedChangeTracker`. The
+/// files are the saved state, so edits are exactly the tracker's unsaved changes.
 class StoreListing {
  public:
   /// Reads `root` (see `readListingFolder`) and loads it. `facts` must outlive the object.
@@ -56,6 +57,8 @@ class StoreListing {
 
   /// The folder as read.
   const ListingFolder& folder() const { return folder_; }
+  /// The store whose layout and rules the listing follows.
+  const StoreFacts& facts() const { return facts_; }
   /// The configuration the rules follow.
   const ListingConfiguration& configuration() const { return configuration_; }
   /// The locales' entities, in name order.
