@@ -251,6 +251,10 @@ TEST(StoreFormatsTest, APlayFolderIsReportedWithPlaysFieldsAndRules) {
   }
   EXPECT_TRUE(rules.contains("title.emoji"));
   EXPECT_FALSE(rules.contains("keywords.duplicate")) << "only the chosen store's rules are listed";
+
+  const auto text = run({"check", sample}).out;
+  EXPECT_THAT(text, HasSubstr("ja-JP/changelogs/default.txt: No release notes"));
+  EXPECT_THAT(text, ::testing::Not(HasSubstr("Shared by every locale"))) << "Play's layout has no shared files";
 }
 
 TEST(FailOnTest, TheLevelDecidesTheExitStatus) {

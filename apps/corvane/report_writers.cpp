@@ -170,7 +170,10 @@ void writeTextReport(const CheckReport& report, std::ostream& out, bool colour) 
   for (const auto& locale : report.locales) {
     writeSection(locale, locale.locale, out, paint);
   }
-  writeSection(report.shared, "Shared by every locale", out, paint);
+  // A store whose layout has no shared files (Google Play's) has nothing to say here.
+  if (!report.shared.findings.empty() || !report.shared.checklist.empty()) {
+    writeSection(report.shared, "Shared by every locale", out, paint);
+  }
   out << '\n'
       << "Checklist: " << report.progress.completedItems << " of " << report.progress.totalItems << " items done, "
       << completionSummary(report) << '\n';

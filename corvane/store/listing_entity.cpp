@@ -129,8 +129,12 @@ std::vector<ListingFinding> ListingEntity::findings() const {
       result.insert(result.end(), demo.begin(), demo.end());
     }
     if (s.field == ListingField::defaultChangelog && holds(ListingField::changelog)) {
+      // Without a changelog of any version the file is only a pattern; the notes then go
+      // best into default.txt, which every version shows.
+      const auto& newest = file(ListingField::changelog);
+      const bool anyVersion = !newest.ends_with(fieldFile(ListingField::changelog));
       auto missing = rules_->judgeMissingChangelog(text(ListingField::changelog), s.property->wrappedValue(),
-                                                   file(ListingField::changelog));
+                                                   anyVersion ? newest : s.file);
       result.insert(result.end(), missing.begin(), missing.end());
     }
   }

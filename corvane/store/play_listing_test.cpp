@@ -271,10 +271,11 @@ TEST(PlayListingTest, AnUpdateNeedsReleaseNotesForItsVersionOrByDefault) {
     std::vector<std::string> changelogs;
     bool firstVersion;
     std::vector<std::string> rules;
+    std::string file = {};  // where the finding says to write, when there is one
   };
   const std::vector<ChangelogCase> cases = {
-      {"no changelog at all", {}, false, {"changelog.missing"}},
-      {"an empty one for the newest version", {"12.txt"}, false, {"changelog.missing"}},
+      {"no changelog at all", {}, false, {"changelog.missing"}, "en-US/changelogs/default.txt"},
+      {"an empty one for the newest version", {"9.txt", "12.txt"}, false, {"changelog.missing"}, "en-US/changelogs/12.txt"},
       {"the newest version's", {"12.txt"}, false, {}},
       {"default.txt only", {"default.txt"}, false, {}},
       {"a first version has nothing new", {}, true, {}},
@@ -291,7 +292,11 @@ TEST(PlayListingTest, AnUpdateNeedsReleaseNotesForItsVersionOrByDefault) {
     }
     const StoreListing listing(folder.path(), play(), {},
                                RuleContext{.firstVersion = c.firstVersion, .currentYear = 2026});
-    EXPECT_EQ(rulesOf(listing.locales()[0]->findings()), c.rules) << c.what;
+    const auto findings = listing.locales()[0]->findings();
+    EXPECT_EQ(rulesOf(findings), c.rules) << c.what;
+    if (!findings.empty()) {
+      EXPECT_EQ(findings[0].file, c.file) << c.what;
+    }
   }
 }
 
