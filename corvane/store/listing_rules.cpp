@@ -231,9 +231,14 @@ bool isAllCapitals(std::string_view text, const std::vector<std::string>& brands
   std::string rest(text);
   for (const auto& brand : brands) {
     if (brand.empty()) continue;
-    for (auto at = rest.find(brand); at != std::string::npos; at = rest.find(brand, at + 1)) {
-      rest.replace(at, brand.size(), " ");
+    std::string without;
+    std::size_t from = 0;
+    for (auto at = rest.find(brand); at != std::string::npos; at = rest.find(brand, from)) {
+      without.append(rest, from, at - from).append(1, ' ');
+      from = at + brand.size();
     }
+    without.append(rest, from);
+    rest = std::move(without);
   }
   const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(rest.data());
   int capitals = 0;
