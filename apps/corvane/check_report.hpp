@@ -20,6 +20,19 @@ using store::RuleLevel;
 /// The group's name in JSON: "blockers", "rejectionRisks", "optimizations" or "opportunities".
 std::string_view categoryKey(RuleLevel level) noexcept;
 
+/// One field's text as the report shows it (the HTML report quotes it beside its findings).
+struct FieldText {
+  /// The field.
+  store::ListingField field;
+  /// Where the text lives, relative to the folder ("default/description.txt" for a locale
+  /// that uses `default/`'s text; the usual file name when there is no file).
+  std::string file;
+  /// The current text without its file's frame (with any applied fixes).
+  std::string text;
+  /// Whether the text is the locale's own, `default/`'s, or there is no file.
+  store::TextSource source = store::TextSource::none;
+};
+
 /// What the checker found in one locale, or in the shared files.
 struct LocaleReport {
   /// The locale's code, or "shared".
@@ -28,9 +41,12 @@ struct LocaleReport {
   std::vector<store::ListingFinding> findings;
   /// Its checklist, one item per field worth one.
   std::vector<CompletionItem> checklist;
+  /// Every field the locale (or the shared files) holds, in field order. The JSON report
+  /// leaves the texts out: they are the folder's own files.
+  std::vector<FieldText> texts;
 };
 
-/// Everything one run of `corvane check` reports; the text and JSON writers render it.
+/// Everything one run of `corvane check` reports; the writers render it.
 struct CheckReport {
   /// The folder checked.
   std::filesystem::path directory;

@@ -93,7 +93,17 @@ CheckReport Checker::report() const {
       findings.insert(findings.begin(), folderFindings.begin(), folderFindings.end());
     }
     std::ranges::stable_sort(findings, {}, &store::ListingFinding::level);
-    return LocaleReport{.locale = std::move(name), .findings = std::move(findings), .checklist = std::move(items)};
+    std::vector<FieldText> texts;
+    const auto folder = std::ranges::find(listing_->folder().locales, entity.scope(), &store::LocaleFolder::locale);
+    for (const auto field : entity.fields()) {
+      const auto& read = folder != listing_->folder().locales.end() ? folder->text(field)
+                                                                     : listing_->folder().sharedText(field);
+      texts.push_back(FieldText{.field = field, .file = entity.file(field), .text = entity.text(field), .source = read.source});
+    }
+    return LocaleReport{.locale = std::move(name),
+                        .findings = std::move(findings),
+                        .checklist = std::move(items),
+                        .texts = std::move(texts)};
   };
   for (const auto& locale : listing_->locales()) report.locales.push_back(fileReport(*locale, locale->scope()));
   report.shared = fileReport(listing_->shared(), "shared");

@@ -23,7 +23,7 @@
 namespace corvane::cli {
 namespace {
 
-enum class Format { text, json, sarif, github, junit };
+enum class Format { text, json, sarif, github, junit, html };
 
 struct Invocation {
   CheckOptions options;
@@ -87,6 +87,7 @@ Format formatNamed(const std::string& name) {
   if (name == "sarif") return Format::sarif;
   if (name == "github") return Format::github;
   if (name == "junit") return Format::junit;
+  if (name == "html") return Format::html;
   return Format::text;
 }
 
@@ -145,6 +146,9 @@ CheckReport writeReport(const Invocation& invocation, Checker& checker, std::ost
     case Format::junit:
       writeJunitReport(report, invocation.failOn, out);
       break;
+    case Format::html:
+      writeHtmlReport(report, out);
+      break;
     case Format::text:
       if (invocation.quiet) {
         writeFindingLines(report, out, colour);
@@ -183,9 +187,9 @@ int check(const Invocation& invocation, std::ostream& out, std::ostream& err, bo
 }
 
 constexpr std::string_view kUsage =
-    "usage: corvane check [DIR] [--format text|json|sarif|github|junit] [--output FILE] [--config FILE]\n"
-    "                     [--fail-on LEVEL] [--quiet] [--first-version] [--fix] [--dry-run]\n"
-    "                     [--store appstore|play|auto]\n";
+    "usage: corvane check [DIR] [--format text|json|sarif|github|junit|html] [--output FILE]\n"
+    "                     [--config FILE] [--fail-on LEVEL] [--quiet] [--first-version] [--fix]\n"
+    "                     [--dry-run] [--store appstore|play|auto]\n";
 
 }  // namespace
 
@@ -200,9 +204,10 @@ std::string usageText() {
          "against the store's rules and reports blockers, rejection risks, optimizations and\n"
          "opportunities. Without DIR, checks the bundled sample. 'corvane rules' lists the rules.\n"
          "\n"
-         "  --format text|json|sarif|github|junit\n"
+         "  --format text|json|sarif|github|junit|html\n"
          "                       report format (default text): sarif for code scanning, github for\n"
-         "                       pull request annotations, junit for CI test reports\n"
+         "                       pull request annotations, junit for CI test reports, html for a\n"
+         "                       page to read in a browser\n"
          "  --output FILE        write the report to FILE (replaced whole) instead of standard output\n"
          "  --fail-on LEVEL      the least urgent level that fails the run: blocker (default),\n"
          "                       rejection-risk, optimization or opportunity\n"
@@ -246,7 +251,7 @@ int dispatch(std::span<const std::string> arguments, std::ostream& out, std::ost
     bool dryRun = false;
     CLI::App* checkCommand = app.add_subcommand("check");
     checkCommand->add_option("DIR", directory);
-    checkCommand->add_option("--format", checkFormat)->check(oneOf({"text", "json", "sarif", "github", "junit"}));
+    checkCommand->add_option("--format", checkFormat)->check(oneOf({"text", "json", "sarif", "github", "junit", "html"}));
     std::string failOn = "blocker";
     checkCommand->add_option("--fail-on", failOn)
         ->check(oneOf({"blocker", "rejection-risk", "optimization", "opportunity"}));

@@ -74,7 +74,7 @@ TEST(CliTest, UsageErrorsExitWithStatus2) {
   for (const auto& c : std::vector<Case>{
            {{}, "missing command"},
            {{"lint"}, "unknown command 'lint'"},
-           {{"check", "--format", "xml"}, "--format: must be text, json, sarif, github or junit, not 'xml'"},
+           {{"check", "--format", "xml"}, "--format: must be text, json, sarif, github, junit or html, not 'xml'"},
            {{"check", folder, "--fail-on", "warning"},
             "--fail-on: must be blocker, rejection-risk, optimization or opportunity, not 'warning'"},
            {{"check", folder, "--output"}, "--output needs a value"},

@@ -276,7 +276,7 @@ TEST(FailOnTest, TheLevelDecidesTheExitStatus) {
                                          {sample, "opportunity", exitBlocked},
                                          {relaxed, "rejection-risk", exitReady},
                                          {relaxed, "optimization", exitBlocked}}) {
-    for (const auto* format : {"text", "json", "sarif", "github", "junit"}) {
+    for (const auto* format : {"text", "json", "sarif", "github", "junit", "html"}) {
       const auto result = run({"check", c.folder.string(), "--fail-on", c.failOn, "--format", format});
       EXPECT_EQ(result.status, c.status) << c.folder << " --fail-on " << c.failOn << " --format " << format;
     }
@@ -306,7 +306,7 @@ TEST(OutputTest, EveryFormatGoesToTheFileWholeAndNothingToStandardOutput) {
   const auto sample = testing::copySample(temporary.path() / "metadata");
   const auto target = temporary.path() / "reports" / "report";
   fs::create_directories(target.parent_path());
-  for (const auto* format : {"text", "json", "sarif", "github", "junit"}) {
+  for (const auto* format : {"text", "json", "sarif", "github", "junit", "html"}) {
     SCOPED_TRACE(format);
     testing::writeFile(target, "an older report");
     const auto toStdout = run({"check", sample.string(), "--format", format});

@@ -47,6 +47,14 @@ void writeJunitReport(const CheckReport& report, RuleLevel failOn, std::ostream&
 /// its level, message and location relative to the folder.
 void writeSarifReport(const CheckReport& report, const std::vector<store::RuleInfo>& catalog, std::ostream& out);
 
+/// The report as one self-contained HTML page (inline style, no script, nothing loaded from
+/// the network) for people: a banner with the decision and the counts per level, then a card
+/// per locale and one for the shared files when they have anything, each field with its
+/// text, its length against the store's limit as a bar and its findings, and the checklist.
+/// The markup is also well-formed XML. Texts from the folder are escaped; bytes that are not
+/// UTF-8 become U+FFFD.
+void writeHtmlReport(const CheckReport& report, std::ostream& out);
+
 /// The report as one JSON document; README.md documents its layout.
 void writeJsonReport(const CheckReport& report, std::ostream& out);
 
