@@ -246,7 +246,7 @@ class Tracked final : public TrackedValidatable, public Observable {
                                         [&] { cachedValidationResult_ = std::move(result); });
   }
 
-  const std::uint64_t identity_ = nextObjectIdentity();
+  std::uint64_t identity_ = nextObjectIdentity();  // never changes
   T storage_;
   T originalValue_;
   std::vector<Rule> validationRules_;
