@@ -203,7 +203,9 @@ class Tracked final : public TrackedValidatable, public Observable {
   }
 
   /// The verdict through the shared validation cache, under `identityKey()` + ":" + the
-  /// rendering of the current value, refreshed by age only.
+  /// rendering of the current value, refreshed by age only. A rule may call this on another
+  /// property; calling it on the property whose rules are running is a fatal precondition
+  /// failure (it would recurse forever).
   ValidationResult validateCached() const
     requires Describable<T>
   {

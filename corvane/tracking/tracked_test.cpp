@@ -172,5 +172,26 @@ TEST(TrackedCache, ANewPropertyInTheStorageOfADestroyedOneGetsItsOwnVerdict) {
   ValidationCache::shared().invalidatePrefix(slot->identityKey() + ":");
 }
 
+// A rule may consult another property's cached verdict; its own would recurse forever.
+TEST(TrackedCache, ARuleMayAskAnotherPropertyForItsCachedVerdictButNotItsOwn) {
+  testing::TestMainLoop loop;
+  Tracked<std::string> name("Corvane", {[](const std::string& value) { return ValidationResult::info("name " + value); }});
+  Tracked<std::string> subtitle("Edits", {[&](const std::string& value) {
+                                  return ValidationResult::info(name.validateCached().message + ", subtitle " + value);
+                                }});
+  EXPECT_EQ(subtitle.validateCached().message, "name Corvane, subtitle Edits");
+
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(
+      {
+        Tracked<std::string> selfish("x");
+        selfish.addValidation([&](const std::string&) { return selfish.validateCached(); });
+        (void)selfish.validateCached();
+      },
+      "precondition failed: .*asked the same cache for its own key");
+  ValidationCache::shared().invalidatePrefix(name.identityKey() + ":");
+  ValidationCache::shared().invalidatePrefix(subtitle.identityKey() + ":");
+}
+
 }  // namespace
 }  // namespace corvane
