@@ -1,6 +1,9 @@
 #include "corvane/observation/observation_registrar.hpp"
 
+#include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
+
+#include <boost/signals2/signal.hpp>
 
 #include <map>
 #include <memory>
@@ -12,7 +15,7 @@ namespace corvane {
 struct ObservationRegistrar::Storage {
   struct KeySignals {
     boost::signals2::signal<void()> willSet;
-    boost::signals2::signal<void()> didSet;
+    ObservationSignal didSet;
   };
 
   // Signals live behind shared pointers so that they can be fired outside the lock while
@@ -32,7 +35,7 @@ struct ObservationRegistrar::Storage {
 
   std::mutex mutex;
   std::map<std::string, std::shared_ptr<KeySignals>, std::less<>> keys;
-  boost::signals2::signal<void()> objectWillChange;
+  ObservationSignal objectWillChange;
 };
 
 ObservationRegistrar::~ObservationRegistrar() {
@@ -67,7 +70,7 @@ void ObservationRegistrar::didSet(std::string_view key) {
   if (auto signals = storage->find(key)) signals->didSet();
 }
 
-boost::signals2::scoped_connection ObservationRegistrar::observe(std::string_view key, std::function<void()> callback) {
+ObservationConnection ObservationRegistrar::observe(std::string_view key, std::function<void()> callback) {
   return storage().findOrCreate(key)->didSet.connect(std::move(callback));
 }
 
@@ -75,7 +78,7 @@ boost::signals2::connection ObservationRegistrar::onWillSet(std::string_view key
   return storage().findOrCreate(key)->willSet.connect(std::move(handler));
 }
 
-boost::signals2::signal<void()>& ObservationRegistrar::objectWillChange() {
+ObservationSignal& ObservationRegistrar::objectWillChange() {
   return storage().objectWillChange;
 }
 

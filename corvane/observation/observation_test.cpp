@@ -1,4 +1,5 @@
 #include "corvane/observation/observation_registrar.hpp"
+#include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
 
 #include <gtest/gtest.h>
@@ -182,7 +183,7 @@ TEST(ObservationObserve, ADroppedConnectionNoLongerFires) {
 }
 
 TEST(ObservationObserve, AConnectionMayOutliveItsObject) {
-  boost::signals2::scoped_connection connection;
+  ObservationConnection connection;
   {
     Box box;
     connection = box.observe("width", [] {});
