@@ -2,8 +2,10 @@
 
 #include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
+#include "corvane/observation/pending_change.hpp"
+#include "corvane/observation/wait_list.hpp"
 
-#include <boost/signals2/signal.hpp>
+#include <exception>
 
 #include <map>
 #include <memory>
@@ -14,7 +16,9 @@ namespace corvane {
 
 struct ObservationRegistrar::Storage {
   struct KeySignals {
-    boost::signals2::signal<void()> willSet;
+    // Allocated apart from its control block: a scope still waiting on another object
+    // keeps only the control block of a destroyed registrar's list.
+    std::shared_ptr<detail::WaitList> willSet{new detail::WaitList};
     ObservationSignal didSet;
   };
 
@@ -61,7 +65,18 @@ void ObservationRegistrar::willSet(std::string_view key) {
   Storage* storage = storage_.load(std::memory_order_acquire);
   if (!storage) return;
   storage->objectWillChange();
-  if (auto signals = storage->find(key)) signals->willSet();
+  auto signals = storage->find(key);
+  if (!signals) return;
+  // Every scope waiting for the key fires, also when one of their handlers throws.
+  std::exception_ptr failure;
+  for (const auto& change : signals->willSet->takeAll()) {
+    try {
+      change->fire(signals->willSet.get());
+    } catch (...) {
+      if (!failure) failure = std::current_exception();
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 void ObservationRegistrar::didSet(std::string_view key) {
@@ -74,8 +89,8 @@ ObservationConnection ObservationRegistrar::observe(std::string_view key, std::f
   return storage().findOrCreate(key)->didSet.connect(std::move(callback));
 }
 
-boost::signals2::connection ObservationRegistrar::onWillSet(std::string_view key, std::function<void()> handler) {
-  return storage().findOrCreate(key)->willSet.connect(std::move(handler));
+std::shared_ptr<detail::WaitList> ObservationRegistrar::waitList(std::string_view key) {
+  return storage().findOrCreate(key)->willSet;
 }
 
 ObservationSignal& ObservationRegistrar::objectWillChange() {

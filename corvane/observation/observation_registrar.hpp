@@ -2,16 +2,18 @@
 
 #include "corvane/observation/observation_connection.hpp"
 
-#include <boost/signals2/connection.hpp>
-
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <type_traits>
 
 namespace corvane {
 
 class ObservationSignal;
+namespace detail {
+class WaitList;
+}
 
 /// The observer registry of one observable object. Each observed property is a key (its
 /// name); the object reports reads with `access` and writes with `withMutation` (or the
@@ -72,8 +74,9 @@ class ObservationRegistrar {
   /// "corvane/observation/observation_signal.hpp" to connect to it.
   ObservationSignal& objectWillChange();
 
-  /// Connects `handler` to the next will-set announcement of `key`; used by tracking scopes.
-  boost::signals2::connection onWillSet(std::string_view key, std::function<void()> handler);
+  /// The tracking scopes waiting for the next will-set announcement of `key`; used by
+  /// `withObservationTracking`.
+  std::shared_ptr<detail::WaitList> waitList(std::string_view key);
 
  private:
   struct Storage;
