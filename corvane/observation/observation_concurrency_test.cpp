@@ -1,6 +1,7 @@
 #include "corvane/observation/observation_registrar.hpp"
 #include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
+#include "corvane/observation/pending_change.hpp"
 
 #include <gtest/gtest.h>
 
@@ -116,6 +117,89 @@ TEST(ObservationConcurrency, ACallbackThatDisconnectsItselfDoesNotWaitForItself)
   EXPECT_FALSE(connection.connected());
   box.observationRegistrar().withMutation("width", [] {});
   EXPECT_EQ(calls.load(), 2);
+}
+
+// Observers come and go while other threads write: each callback uses an object that its
+// owner frees as soon as the disconnection returns. No call may run after that, which
+// AddressSanitizer would report as a use after free.
+TEST(ObservationConcurrency, ObserversFreeWhatTheirCallbacksUseRightAfterDisconnecting) {
+  Box box;
+  std::atomic<bool> stop{false};
+  std::atomic<long> writes{0};
+  std::vector<std::thread> writers;
+  for (int w = 0; w < 2; ++w) {
+    writers.emplace_back([&] {
+      while (!stop.load()) {
+        box.observationRegistrar().withMutation("width", [] {});
+        writes.fetch_add(1);
+      }
+    });
+  }
+  std::atomic<int> callsAfterDisconnecting{0};
+  std::vector<std::thread> observers;
+  for (int o = 0; o < 2; ++o) {
+    observers.emplace_back([&] {
+      for (int i = 0; i < 300; ++i) {
+        struct Seen {
+          std::atomic<int> calls{0};
+          std::atomic<bool> disconnected{false};
+        };
+        auto seen = std::make_unique<Seen>();
+        auto onWidth = box.observe("width", [state = seen.get(), &callsAfterDisconnecting] {
+          state->calls.fetch_add(1);
+          if (state->disconnected.load()) callsAfterDisconnecting.fetch_add(1);
+        });
+        auto onAny = box.objectWillChange().connect([state = seen.get()] { state->calls.fetch_add(1); });
+        const long from = writes.load();
+        while (seen->calls.load() == 0 && writes.load() < from + 1000) std::this_thread::yield();
+        onWidth.disconnect();
+        onAny.disconnect();
+        seen->disconnected = true;
+        seen.reset();
+      }
+    });
+  }
+  for (auto& observer : observers) observer.join();
+  stop = true;
+  for (auto& writer : writers) writer.join();
+  EXPECT_EQ(callsAfterDisconnecting.load(), 0);
+}
+
+// Objects are destroyed while tracking scopes wait on them and on a long-lived object that
+// another thread keeps writing, so that scopes fire (and tell the lists of the dying
+// objects) while those lists go away. Every scope fires exactly once in the end.
+TEST(ObservationConcurrency, ScopesFireWhileOtherObjectsTheyWaitOnAreDestroyed) {
+  const auto baseline = detail::PendingChange::liveCount();
+  Box kept;
+  std::atomic<bool> stop{false};
+  std::thread writer([&] {
+    while (!stop.load()) kept.observationRegistrar().withMutation("width", [] {});
+  });
+  constexpr int kThreads = 2;
+  constexpr int kScopes = 2000;
+  std::atomic<int> fired{0};
+  std::vector<std::thread> trackers;
+  for (int t = 0; t < kThreads; ++t) {
+    trackers.emplace_back([&] {
+      for (int i = 0; i < kScopes; ++i) {
+        auto temporary = std::make_unique<Box>();
+        withObservationTracking(
+            [&] {
+              temporary->observationRegistrar().access("height");
+              kept.observationRegistrar().access("width");
+            },
+            [&] { fired.fetch_add(1); });
+        if (i % 3 == 0) temporary->observationRegistrar().withMutation("height", [] {});
+        temporary.reset();
+      }
+    });
+  }
+  for (auto& thread : trackers) thread.join();
+  stop = true;
+  writer.join();
+  kept.observationRegistrar().withMutation("width", [] {});  // fires the scopes still waiting
+  EXPECT_EQ(fired.load(), kThreads * kScopes);
+  EXPECT_EQ(detail::PendingChange::liveCount(), baseline);
 }
 
 }  // namespace
