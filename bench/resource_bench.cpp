@@ -65,7 +65,9 @@ using corvane::ValidationResult;
 class Box : public corvane::Observable {
  public:
   void read() const { observationRegistrar().access("value"); }
-  void write() { observationRegistrar().withMutation("value", [] {}); }
+  void write() {
+    observationRegistrar().withMutation("value", [] {});
+  }
 };
 
 // The smallest entity a host could register: the tracker's own cost shows.
@@ -153,13 +155,23 @@ void TrackingScopeBytes(benchmark::State& state) {
     before = liveBytes.load();
     for (std::int64_t i = 0; i < kScopes; ++i) {
       Box destroyed;
-      corvane::withObservationTracking([&] { destroyed.read(); unchanging.read(); }, [] {});
+      corvane::withObservationTracking(
+          [&] {
+            destroyed.read();
+            unchanging.read();
+          },
+          [] {});
     }
     besideDestroyed = (liveBytes.load() - before) / kScopes;
     unchanging.write();
     before = liveBytes.load();
     for (std::int64_t i = 0; i < kScopes; ++i) {
-      corvane::withObservationTracking([&] { changing.read(); unchanging.read(); }, [] {});
+      corvane::withObservationTracking(
+          [&] {
+            changing.read();
+            unchanging.read();
+          },
+          [] {});
     }
     changing.write();
     afterFiring = liveBytes.load() - before;

@@ -113,9 +113,9 @@ ValidationResult ValidationCache::lookup(std::string_view key, std::optional<std
   {
     auto lock = lockExclusive();
     for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
-      CORVANE_PRECONDITION(running->cache != this || running->key != key,
-                           "ValidationCache: the computation of '" + std::string(key) +
-                               "' asked the same cache for its own key");
+      CORVANE_PRECONDITION(
+          running->cache != this || running->key != key,
+          "ValidationCache: the computation of '" + std::string(key) + "' asked the same cache for its own key");
     }
     if (counting) changed |= count(totalRequests_, kRequests);
     const auto steady = steadyNow();

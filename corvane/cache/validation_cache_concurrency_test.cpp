@@ -138,7 +138,8 @@ TEST(ValidationCacheConcurrency, CachesDroppedWhileOtherThreadsAndTheMainLoopUse
             }
             case 2:
               try {
-                cache->getOrCompute(key + ":failing", "h", []() -> ValidationResult { throw std::runtime_error("no"); });
+                cache->getOrCompute(key + ":failing", "h",
+                                    []() -> ValidationResult { throw std::runtime_error("no"); });
                 ++wrongAnswers;
               } catch (const std::runtime_error&) {
               }

@@ -324,7 +324,8 @@ TEST_F(ValidationCacheTest, AComputationAskingForItsOwnKeyIsAPreconditionFailure
   auto cache = makeCache();
   EXPECT_DEATH(cache->getOrCompute("app:name", "h", [&] { return cache->getOrCompute("app:name", "h", counted("k")); }),
                "precondition failed: .*'app:name'");
-  EXPECT_DEATH(cache->validate("v", 1, [&](int) { return cache->validate("v", 2, [](int) { return ValidationResult::valid(); }); }),
+  EXPECT_DEATH(cache->validate(
+                   "v", 1, [&](int) { return cache->validate("v", 2, [](int) { return ValidationResult::valid(); }); }),
                "precondition failed: .*'v'");
 }
 

@@ -36,9 +36,8 @@ class ObservationConnection {
   friend class ObservationSignal;
   struct Gate;
   // Wraps `callback` in a gate and hands the gated callback to `attach`, which connects it.
-  static ObservationConnection make(
-      std::function<void()> callback,
-      const std::function<boost::signals2::connection(std::function<void()>)>& attach);
+  static ObservationConnection make(std::function<void()> callback,
+                                    const std::function<boost::signals2::connection(std::function<void()>)>& attach);
   explicit ObservationConnection(std::shared_ptr<Gate> gate) noexcept : gate_(std::move(gate)) {}
 
   std::shared_ptr<Gate> gate_;

@@ -164,7 +164,8 @@ TEST(ObservationTracking, ScopesAreReclaimedOnceTheyCanNoLongerFire) {
   const auto live = [base = detail::PendingChange::liveCount()] { return detail::PendingChange::liveCount() - base; };
   Box kept;
 
-  for (std::size_t i = 0; i < kScopes; ++i) withObservationTracking([&] { return kept.width() + kept.height(); }, [] {});
+  for (std::size_t i = 0; i < kScopes; ++i)
+    withObservationTracking([&] { return kept.width() + kept.height(); }, [] {});
   EXPECT_EQ(live(), kScopes);
   kept.setWidth(1);
   EXPECT_EQ(live(), 0u) << "fired through width";

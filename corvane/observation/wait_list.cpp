@@ -25,7 +25,8 @@ void WaitList::noteFiredElsewhere() {
   ++firedElsewhere_;
   if (firedElsewhere_ * 2 < waiting_.size()) return;
   firedElsewhere_ = 0;
-  auto spent = std::stable_partition(waiting_.begin(), waiting_.end(), [](const auto& change) { return !change->fired(); });
+  auto spent =
+      std::stable_partition(waiting_.begin(), waiting_.end(), [](const auto& change) { return !change->fired(); });
   dropped.assign(std::make_move_iterator(spent), std::make_move_iterator(waiting_.end()));
   waiting_.erase(spent, waiting_.end());
   if (waiting_.capacity() > 2 * waiting_.size() + 16) waiting_.shrink_to_fit();

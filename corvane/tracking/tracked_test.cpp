@@ -161,11 +161,13 @@ TEST(TrackedCache, ValidateCachedReusesTheVerdictForTheSameValue) {
 TEST(TrackedCache, ANewPropertyInTheStorageOfADestroyedOneGetsItsOwnVerdict) {
   testing::TestMainLoop loop;
   std::optional<Tracked<std::string>> slot;
-  slot.emplace("same", std::vector<Tracked<std::string>::Rule>{[](const std::string&) { return ValidationResult::invalid(); }});
+  slot.emplace("same",
+               std::vector<Tracked<std::string>::Rule>{[](const std::string&) { return ValidationResult::invalid(); }});
   const std::string firstKey = slot->identityKey();
   EXPECT_EQ(slot->validateCached(), ValidationResult::invalid());
   slot.reset();
-  slot.emplace("same", std::vector<Tracked<std::string>::Rule>{[](const std::string&) { return ValidationResult::valid(); }});
+  slot.emplace("same",
+               std::vector<Tracked<std::string>::Rule>{[](const std::string&) { return ValidationResult::valid(); }});
   EXPECT_NE(slot->identityKey(), firstKey) << "identities are never reused";
   EXPECT_EQ(slot->validateCached(), ValidationResult::valid());
   ValidationCache::shared().invalidatePrefix(firstKey + ":");
@@ -175,7 +177,8 @@ TEST(TrackedCache, ANewPropertyInTheStorageOfADestroyedOneGetsItsOwnVerdict) {
 // A rule may consult another property's cached verdict; its own would recurse forever.
 TEST(TrackedCache, ARuleMayAskAnotherPropertyForItsCachedVerdictButNotItsOwn) {
   testing::TestMainLoop loop;
-  Tracked<std::string> name("Corvane", {[](const std::string& value) { return ValidationResult::info("name " + value); }});
+  Tracked<std::string> name("Corvane",
+                            {[](const std::string& value) { return ValidationResult::info("name " + value); }});
   Tracked<std::string> subtitle("Edits", {[&](const std::string& value) {
                                   return ValidationResult::info(name.validateCached().message + ", subtitle " + value);
                                 }});

@@ -4,11 +4,11 @@
 #include "corvane/tracking/tracked.hpp"
 #include "corvane/tracking/unified_change_tracker.hpp"
 
+#include <gtest/gtest.h>
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/post.hpp>
 #include <boost/asio/strand.hpp>
 #include <boost/asio/thread_pool.hpp>
-#include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
@@ -37,7 +37,8 @@ TEST(TrackingConcurrency, PropertiesBuiltWhereOthersLivedGetTheirOwnCachedVerdic
     threads.emplace_back([&, t] {
       for (int i = 0; i < kProperties; ++i) {
         const std::string mine = std::to_string(t) + "/" + std::to_string(i);
-        Tracked<std::string> property("same value", {[mine](const std::string&) { return ValidationResult::info(mine); }});
+        Tracked<std::string> property("same value",
+                                      {[mine](const std::string&) { return ValidationResult::info(mine); }});
         if (property.validateCached().message != mine) ++wrongVerdicts;
         ValidationCache::shared().invalidate(property.identityKey() + ":same value");
       }
