@@ -1,8 +1,9 @@
-// Resource limits: memory per registered entity and per cache entry (live heap bytes
-// counted by replacing the global allocator), and how the time for 10,000 entities grows
-// against a tenth of them.
+// Resource limits: memory per registered entity, per cache entry and per tracking scope
+// (live heap bytes counted by replacing the global allocator), and how the time for 10,000
+// entities grows against a tenth of them.
 #include "corvane/cache/validation_cache.hpp"
 #include "corvane/entities/showcase_app_entity.hpp"
+#include "corvane/observation/observation_tracking.hpp"
 #include "corvane/tracking/unified_change_tracker.hpp"
 
 #include <benchmark/benchmark.h>
@@ -59,6 +60,15 @@ void operator delete[](void* pointer, std::size_t) noexcept {
 namespace {
 
 using corvane::ValidationResult;
+
+// An observable with one property, read and written the way library classes do.
+class Box : public corvane::Observable {
+ public:
+  void read() const { observationRegistrar().access("value"); }
+  void write() {
+    observationRegistrar().withMutation("value", [] {});
+  }
+};
 
 // The smallest entity a host could register: the tracker's own cost shows.
 class BareEntity final : public corvane::TrackableEntity {
@@ -124,6 +134,53 @@ void CacheBytesPerEntry(benchmark::State& state) {
   state.counters["estimate per entry"] = static_cast<double>(corvane::ValidationCache::kBytesPerEntry);
 }
 BENCHMARK(CacheBytesPerEntry)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+// Heap bytes of a million observation-tracking scopes on keys that are never written: while
+// they wait on a live object, after the object they also read is destroyed, and after they
+// all fired through another key (nothing may stay behind on the key that never changes).
+void TrackingScopeBytes(benchmark::State& state) {
+  constexpr std::int64_t kScopes = 1000000;
+  std::int64_t waiting = 0;
+  std::int64_t besideDestroyed = 0;
+  std::int64_t afterFiring = 0;
+  for (auto _ : state) {
+    Box changing;
+    Box unchanging;
+    std::int64_t before = liveBytes.load();
+    {
+      Box box;
+      for (std::int64_t i = 0; i < kScopes; ++i) corvane::withObservationTracking([&] { box.read(); }, [] {});
+      waiting = (liveBytes.load() - before) / kScopes;
+    }
+    before = liveBytes.load();
+    for (std::int64_t i = 0; i < kScopes; ++i) {
+      Box destroyed;
+      corvane::withObservationTracking(
+          [&] {
+            destroyed.read();
+            unchanging.read();
+          },
+          [] {});
+    }
+    besideDestroyed = (liveBytes.load() - before) / kScopes;
+    unchanging.write();
+    before = liveBytes.load();
+    for (std::int64_t i = 0; i < kScopes; ++i) {
+      corvane::withObservationTracking(
+          [&] {
+            changing.read();
+            unchanging.read();
+          },
+          [] {});
+    }
+    changing.write();
+    afterFiring = liveBytes.load() - before;
+  }
+  state.counters["bytes per waiting scope"] = static_cast<double>(waiting);
+  state.counters["bytes per scope beside a destroyed object"] = static_cast<double>(besideDestroyed);
+  state.counters["bytes left by a million fired scopes"] = static_cast<double>(afterFiring);
+}
+BENCHMARK(TrackingScopeBytes)->Iterations(1)->Unit(benchmark::kMillisecond);
 
 // Register, query and unregister N entities: ten times N should take about ten times as long.
 void TrackerRegisterQueryUnregister(benchmark::State& state) {

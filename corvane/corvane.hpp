@@ -14,7 +14,9 @@
 #include "corvane/support/url.hpp"
 #include "corvane/support/uuid.hpp"
 
+#include "corvane/observation/observation_connection.hpp"
 #include "corvane/observation/observation_registrar.hpp"
+#include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
 
 #include "corvane/text/characters.hpp"

@@ -8,6 +8,7 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/system_executor.hpp>
 
+#include <limits>
 #include <mutex>
 #include <vector>
 
@@ -37,6 +38,34 @@ class ValidationCache::CleanupTimer {
   boost::asio::steady_timer timer_;
 };
 
+namespace {
+
+// The counters, as bits of one announcement.
+constexpr unsigned kRequests = 1;
+constexpr unsigned kHits = 2;
+constexpr unsigned kMisses = 4;
+
+// The computations running on this thread, innermost first. A computation that calls back
+// into its own cache runs under the lock that its lookup already holds.
+struct RunningComputation {
+  RunningComputation(const ValidationCache* cache_, std::string_view key_)
+      : cache(cache_), key(key_), enclosing(innermostComputation) {
+    innermostComputation = this;
+  }
+  ~RunningComputation() { innermostComputation = enclosing; }
+  RunningComputation(const RunningComputation&) = delete;
+  RunningComputation& operator=(const RunningComputation&) = delete;
+
+  static thread_local RunningComputation* innermostComputation;
+  const ValidationCache* cache;
+  std::string_view key;
+  RunningComputation* enclosing;
+};
+
+thread_local RunningComputation* RunningComputation::innermostComputation = nullptr;
+
+}  // namespace
+
 ValidationCache::Statistics::Statistics(std::int64_t totalRequests_, std::int64_t cacheHits_, std::int64_t cacheMisses_,
                                         std::int64_t cacheSize_, std::int64_t memoryUsage_)
     : totalRequests(totalRequests_),
@@ -52,16 +81,15 @@ ValidationCache& ValidationCache::shared() {
   return **owner;
 }
 
-std::shared_ptr<ValidationCache> ValidationCache::create(Configuration configuration, Clock clock) {
-  auto cache = std::make_shared<ValidationCache>(Passkey{}, configuration, std::move(clock));
+std::shared_ptr<ValidationCache> ValidationCache::create(Configuration configuration, Clocks clocks) {
+  auto cache = std::make_shared<ValidationCache>(Passkey{}, configuration, std::move(clocks));
   cache->cleanupTimer_ = std::make_unique<CleanupTimer>();
   cache->cleanupTimer_->schedule(cache);
   return cache;
 }
 
-ValidationCache::ValidationCache(Passkey, Configuration configuration, Clock clock)
-    : configuration_(configuration),
-      clock_(clock ? std::move(clock) : Clock([] { return std::chrono::system_clock::now(); })) {}
+ValidationCache::ValidationCache(Passkey, Configuration configuration, Clocks clocks)
+    : configuration_(configuration), clocks_(std::move(clocks)) {}
 
 ValidationCache::~ValidationCache() = default;
 
@@ -80,44 +108,94 @@ ValidationResult ValidationCache::lookup(std::string_view key, std::optional<std
   const bool counting = configuration_.enableStatistics;
   std::optional<ValidationResult> result;
   bool hit = false;
+  unsigned changed = 0;
   std::size_t entries = 0;
   {
-    std::unique_lock lock(mutex_);
-    if (counting) totalRequests_.store(checkedAdd<std::int64_t>(totalRequests_.load(), 1));
-    const auto now = clock_();
+    auto lock = lockExclusive();
+    for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
+      CORVANE_PRECONDITION(
+          running->cache != this || running->key != key,
+          "ValidationCache: the computation of '" + std::string(key) + "' asked the same cache for its own key");
+    }
+    if (counting) changed |= count(totalRequests_, kRequests);
+    const auto steady = steadyNow();
     auto found = cache_.find(key);
-    if (found != cache_.end() && isFresh(found->second.entry, now) &&
+    if (found != cache_.end() && isFresh(found->second, steady) &&
         (!dependencyHash || found->second.entry.dependencyHash == *dependencyHash)) {
       auto& entry = found->second.entry;
       entry.accessCount = checkedAdd<std::int64_t>(entry.accessCount, 1);
       entry.lastAccessSequence = nextSequence();
       recency_.splice(recency_.end(), recency_, found->second.recency);
-      if (counting) cacheHits_.store(checkedAdd<std::int64_t>(cacheHits_.load(), 1));
+      if (counting) changed |= count(cacheHits_, kHits);
       result = entry.result;
       hit = true;
     } else {
-      result = compute();
-      CacheEntry entry{*result, now, std::string(dependencyHash.value_or("")), 1, nextSequence()};
+      const auto wall = wallNow();
+      try {
+        RunningComputation running(this, key);
+        result = compute();
+      } catch (...) {
+        if (counting) announceCounters(changed | count(cacheMisses_, kMisses));
+        throw;
+      }
+      // The computation may have used the cache itself and moved or removed this entry.
+      found = cache_.find(key);
+      CacheEntry entry{*result, wall, std::string(dependencyHash.value_or("")), 1, nextSequence()};
       if (found != cache_.end()) {
         found->second.entry = std::move(entry);
+        found->second.storedAt = steady;
         recency_.splice(recency_.end(), recency_, found->second.recency);
       } else {
-        auto inserted = cache_.emplace(std::string(key), Node{std::move(entry), {}}).first;
+        auto inserted = cache_.emplace(std::string(key), Node{std::move(entry), steady, {}}).first;
         inserted->second.recency = recency_.insert(recency_.end(), &inserted->first);
       }
       if (evict) evictExcess();
-      if (counting) cacheMisses_.store(checkedAdd<std::int64_t>(cacheMisses_.load(), 1));
+      if (counting) changed |= count(cacheMisses_, kMisses);
     }
     entries = cache_.size();
   }
-  if (counting) announce({"totalRequests", hit ? "cacheHits" : "cacheMisses"});
+  if (changed != 0) announceCounters(changed);
   if (!hit) publishSize(entries);
   return std::move(*result);
 }
 
-bool ValidationCache::isFresh(const CacheEntry& entry, std::chrono::system_clock::time_point now) const {
-  const std::chrono::duration<double> age = now - entry.timestamp;
+bool ValidationCache::isFresh(const Node& node, std::chrono::steady_clock::time_point now) const {
+  const std::chrono::duration<double> age = now - node.storedAt;
   return age.count() <= configuration_.maxAge;
+}
+
+std::chrono::system_clock::time_point ValidationCache::wallNow() const {
+  return clocks_.wall ? clocks_.wall() : std::chrono::system_clock::now();
+}
+
+std::chrono::steady_clock::time_point ValidationCache::steadyNow() const {
+  return clocks_.steady ? clocks_.steady() : std::chrono::steady_clock::now();
+}
+
+bool ValidationCache::computingOnThisThread() const noexcept {
+  for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
+    if (running->cache == this) return true;
+  }
+  return false;
+}
+
+// Inside one of its computations this thread already holds the cache exclusively; taking
+// the lock again would deadlock, and the computation's own lookup waits for it anyway.
+std::unique_lock<std::shared_mutex> ValidationCache::lockExclusive() const {
+  if (computingOnThisThread()) return {};
+  return std::unique_lock(mutex_);
+}
+
+std::shared_lock<std::shared_mutex> ValidationCache::lockShared() const {
+  if (computingOnThisThread()) return {};
+  return std::shared_lock(mutex_);
+}
+
+unsigned ValidationCache::count(std::atomic<std::int64_t>& counter, unsigned announcement) {
+  if (counter.fetch_add(1) == std::numeric_limits<std::int64_t>::max()) {
+    detail::preconditionFailure("integer overflow in addition");
+  }
+  return announcement;
 }
 
 std::int64_t ValidationCache::nextSequence() {
@@ -139,7 +217,7 @@ void ValidationCache::evictExcess() {
 void ValidationCache::invalidate(std::string_view key) {
   std::size_t entries = 0;
   {
-    std::unique_lock lock(mutex_);
+    auto lock = lockExclusive();
     if (auto found = cache_.find(key); found != cache_.end()) erase(found);
     entries = cache_.size();
   }
@@ -149,7 +227,7 @@ void ValidationCache::invalidate(std::string_view key) {
 void ValidationCache::invalidatePrefix(std::string_view prefix) {
   std::size_t entries = 0;
   {
-    std::unique_lock lock(mutex_);
+    auto lock = lockExclusive();
     for (auto position = cache_.begin(); position != cache_.end();) {
       auto next = std::next(position);
       if (std::string_view(position->first).starts_with(prefix)) erase(position);
@@ -162,7 +240,7 @@ void ValidationCache::invalidatePrefix(std::string_view prefix) {
 
 void ValidationCache::clear() {
   {
-    std::unique_lock lock(mutex_);
+    auto lock = lockExclusive();
     cache_.clear();
     recency_.clear();
   }
@@ -180,14 +258,14 @@ void ValidationCache::clear() {
 }
 
 ValidationCache::Statistics ValidationCache::getStatistics() const {
-  std::shared_lock lock(mutex_);
+  auto lock = lockShared();
   const auto entries = static_cast<std::int64_t>(cache_.size());
   return Statistics(totalRequests_.load(), cacheHits_.load(), cacheMisses_.load(), entries,
                     checkedMultiply(entries, kBytesPerEntry));
 }
 
 std::optional<ValidationCache::CacheEntry> ValidationCache::entry(std::string_view key) const {
-  std::shared_lock lock(mutex_);
+  auto lock = lockShared();
   auto found = cache_.find(key);
   if (found == cache_.end()) return std::nullopt;
   return found->second.entry;
@@ -195,11 +273,11 @@ std::optional<ValidationCache::CacheEntry> ValidationCache::entry(std::string_vi
 
 void ValidationCache::cleanUp() {
   {
-    std::unique_lock lock(mutex_);
-    const auto now = clock_();
+    auto lock = lockExclusive();
+    const auto now = steadyNow();
     for (auto position = cache_.begin(); position != cache_.end();) {
       auto next = std::next(position);
-      if (!isFresh(position->second.entry, now)) erase(position);
+      if (!isFresh(position->second, now)) erase(position);
       position = next;
     }
   }
@@ -217,6 +295,19 @@ void ValidationCache::announce(std::initializer_list<std::string_view> keys) {
     registrar.willSet(key);
     registrar.didSet(key);
   }
+}
+
+void ValidationCache::announceCounters(unsigned counters) {
+  // At most one announcement is queued at a time; it announces whatever changed until it runs.
+  if (unannouncedCounters_.fetch_or(counters) != 0) return;
+  postToMain([weak = weak_from_this()] {
+    auto self = weak.lock();
+    if (!self) return;
+    const unsigned changed = self->unannouncedCounters_.exchange(0);
+    if (changed & kRequests) self->announce({"totalRequests"});
+    if (changed & kHits) self->announce({"cacheHits"});
+    if (changed & kMisses) self->announce({"cacheMisses"});
+  });
 }
 
 void ValidationCache::publishSize(std::size_t entries) {

@@ -10,6 +10,7 @@
 #include <initializer_list>
 #include <list>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <shared_mutex>
 #include <string>
@@ -24,13 +25,16 @@ namespace corvane {
 /// entries every 30 seconds, and hit and miss counts are kept for observers.
 ///
 /// Every operation may be called from any thread. Lookups run `compute` while holding the
-/// cache exclusively, so `compute` must not call back into the same cache. The published
-/// size and memory figures are updated later on the main executor; `getStatistics()`
-/// reads the entries directly.
+/// cache exclusively; `compute` may call back into the same cache on the same thread (the
+/// call is served under the lock already held), but not for the key being computed, which
+/// is a fatal precondition failure, and it must not wait for another thread that uses this
+/// cache. The published size and memory figures are updated later on the main executor;
+/// `getStatistics()` reads the entries directly.
 ///
-/// Observed properties: "totalRequests", "cacheHits", "cacheMisses" (announced after each
-/// change, outside the cache's lock, on the calling thread) and "cacheSize",
-/// "memoryUsage" (announced on the main executor).
+/// Observed properties: "totalRequests", "cacheHits", "cacheMisses", "cacheSize" and
+/// "memoryUsage", all announced on the main executor. The counters themselves change at
+/// once (the announcement follows; changes in a burst are announced together); the size
+/// and memory figures change when announced.
 class ValidationCache : public Observable, public std::enable_shared_from_this<ValidationCache> {
  public:
   /// Fixed at construction.
@@ -77,8 +81,14 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
     friend bool operator==(const Statistics&, const Statistics&) = default;
   };
 
-  /// What the cache reads the time from; tests pass a clock they move by hand.
-  using Clock = std::function<std::chrono::system_clock::time_point()>;
+  /// What the cache reads the time from; tests pass clocks they move by hand, and an empty
+  /// function stands for the real clock. Ages are measured on `steady`, so that correcting
+  /// the wall clock neither expires young entries nor keeps old ones; `wall` only stamps
+  /// entries (`CacheEntry::timestamp`).
+  struct Clocks {
+    std::function<std::chrono::system_clock::time_point()> wall;
+    std::function<std::chrono::steady_clock::time_point()> steady;
+  };
 
   /// The estimated size of one entry in bytes.
   static constexpr std::int64_t kBytesPerEntry = 250;
@@ -90,8 +100,8 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   static ValidationCache& shared();
 
   /// A new cache whose clean-up timer runs every 30 seconds for as long as the cache lives
-  /// (the timer does not keep it alive). Without a clock, the system clock is used.
-  static std::shared_ptr<ValidationCache> create(Configuration configuration, Clock clock = {});
+  /// (the timer does not keep it alive), reading the real clocks unless told otherwise.
+  static std::shared_ptr<ValidationCache> create(Configuration configuration, Clocks clocks = {});
 
   ~ValidationCache();
 
@@ -100,7 +110,8 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
 
   /// The verdict stored under `key` if it is fresh and was computed for `dependencyHash`
   /// (a hit); otherwise calls `compute`, stores its verdict and evicts the least recently
-  /// used entries beyond `maxSize` (a miss).
+  /// used entries beyond `maxSize` (a miss). When `compute` throws, the lookup counts as a
+  /// miss, nothing is stored and the exception reaches the caller.
   ValidationResult getOrCompute(std::string_view key, std::string_view dependencyHash,
                                 const std::function<ValidationResult()>& compute);
 
@@ -146,15 +157,18 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
 
  public:
   /// Use `create`: the clean-up timer needs the cache to be shared.
-  ValidationCache(Passkey, Configuration configuration, Clock clock);
+  ValidationCache(Passkey, Configuration configuration, Clocks clocks);
 
  private:
   class CleanupTimer;
   // The recency list points at the map's own keys, which stay put while the node lives.
+  // `storedAt` is the steady time of the last store: ages are measured from it.
   struct Node {
     CacheEntry entry;
+    std::chrono::steady_clock::time_point storedAt;
     std::list<const std::string*>::iterator recency;
   };
+
   struct KeyHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view key) const noexcept { return std::hash<std::string_view>{}(key); }
@@ -164,15 +178,22 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
                           const std::function<ValidationResult()>& compute, bool evict);
   using Map = std::unordered_map<std::string, Node, KeyHash, std::equal_to<>>;
 
-  bool isFresh(const CacheEntry& entry, std::chrono::system_clock::time_point now) const;
+  bool isFresh(const Node& node, std::chrono::steady_clock::time_point now) const;
+  std::chrono::system_clock::time_point wallNow() const;
+  std::chrono::steady_clock::time_point steadyNow() const;
+  bool computingOnThisThread() const noexcept;
+  std::unique_lock<std::shared_mutex> lockExclusive() const;
+  std::shared_lock<std::shared_mutex> lockShared() const;
+  static unsigned count(std::atomic<std::int64_t>& counter, unsigned announcement);
   void erase(Map::iterator position);
   void evictExcess();
   std::int64_t nextSequence();
   void announce(std::initializer_list<std::string_view> keys);
+  void announceCounters(unsigned counters);
   void publishSize(std::size_t entries);
 
   const Configuration configuration_;
-  const Clock clock_;
+  const Clocks clocks_;
 
   mutable std::shared_mutex mutex_;
   Map cache_;
@@ -184,6 +205,8 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   std::atomic<std::int64_t> cacheMisses_{0};
   std::atomic<std::int64_t> cacheSize_{0};
   std::atomic<std::int64_t> memoryUsage_{0};
+  // Counters changed since the last announcement was queued (bits of kRequests, kHits, kMisses).
+  std::atomic<unsigned> unannouncedCounters_{0};
 
   std::unique_ptr<CleanupTimer> cleanupTimer_;
 };

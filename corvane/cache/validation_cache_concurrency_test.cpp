@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -96,6 +98,74 @@ TEST(ValidationCacheConcurrency, ClearRacingLookupsLeavesAUsableCache) {
   EXPECT_EQ(cache->totalRequests(), 0);
   EXPECT_EQ(cache->getStatistics().cacheSize, 0);
   EXPECT_EQ(cache->getOrCompute("after", "", [] { return verdictFor("after"); }).message, "after");
+}
+
+// Caches are used from several threads and dropped by their creator while those threads,
+// and the main loop running on a thread of its own, still use them: lookups whose
+// computations call back into the cache or throw, removals, and the announcements queued
+// for the main loop, whose observers the creator disconnects meanwhile.
+TEST(ValidationCacheConcurrency, CachesDroppedWhileOtherThreadsAndTheMainLoopUseThem) {
+  testing::TestMainLoop loop;
+  std::atomic<bool> stop{false};
+  std::thread mainLoop([&] {
+    while (!stop.load()) loop.drain();
+  });
+  constexpr int kRounds = 30;
+  constexpr int kUsers = 3;
+  std::atomic<int> wrongAnswers{0};
+  std::atomic<int> announcements{0};
+  std::vector<std::weak_ptr<ValidationCache>> dropped;
+  for (int round = 0; round < kRounds; ++round) {
+    auto cache = ValidationCache::create({16, 60.0, true});
+    dropped.push_back(cache);
+    auto onHits = cache->observe("cacheHits", [&] { announcements.fetch_add(1); });
+    auto onSize = cache->observe("cacheSize", [&] { announcements.fetch_add(1); });
+    std::vector<std::thread> users;
+    for (int u = 0; u < kUsers; ++u) {
+      users.emplace_back([cache, u, &wrongAnswers] {
+        for (int i = 0; i < 300; ++i) {
+          const std::string key = "k" + std::to_string((i + u) % 24);
+          switch (i % 5) {
+            case 0:
+            case 1: {
+              auto result = cache->getOrCompute(key, "h", [&] {
+                // A computation that asks its own cache for another key.
+                cache->validate(key + ":inner", i, [](int) { return ValidationResult::valid(); });
+                return verdictFor(key);
+              });
+              if (result.message != key) ++wrongAnswers;
+              break;
+            }
+            case 2:
+              try {
+                cache->getOrCompute(key + ":failing", "h",
+                                    []() -> ValidationResult { throw std::runtime_error("no"); });
+                ++wrongAnswers;
+              } catch (const std::runtime_error&) {
+              }
+              break;
+            case 3:
+              cache->invalidatePrefix(key);
+              break;
+            case 4:
+              if (i % 50 == 4) cache->clear();
+              (void)cache->getStatistics();
+              break;
+          }
+        }
+      });
+    }
+    // The creator lets go first: the last user destroys the cache, while queued work for
+    // it may still be waiting on the main loop.
+    onHits.disconnect();
+    onSize.disconnect();
+    cache.reset();
+    for (auto& user : users) user.join();
+  }
+  stop = true;
+  mainLoop.join();
+  EXPECT_EQ(wrongAnswers.load(), 0);
+  for (const auto& cache : dropped) EXPECT_TRUE(cache.expired());
 }
 
 }  // namespace

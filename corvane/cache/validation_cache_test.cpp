@@ -6,7 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <stdexcept>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace corvane {
@@ -15,11 +17,17 @@ namespace {
 using namespace std::chrono_literals;
 using Clock = std::chrono::system_clock;
 
-// A private cache over a clock that only moves when the test says so.
+// A private cache over clocks that only move when the test says so. `advance` moves both,
+// as time does; a test moves `now` alone to correct the wall clock.
 class ValidationCacheTest : public ::testing::Test {
  protected:
   std::shared_ptr<ValidationCache> makeCache(std::int64_t maxSize = 100, double maxAge = 60.0, bool statistics = true) {
-    return ValidationCache::create({maxSize, maxAge, statistics}, [this] { return now; });
+    return ValidationCache::create({maxSize, maxAge, statistics}, {[this] { return now; }, [this] { return steady; }});
+  }
+
+  void advance(std::chrono::steady_clock::duration by) {
+    now += std::chrono::duration_cast<Clock::duration>(by);
+    steady += by;
   }
 
   // A computation that says which call it was, so that a test sees whether it ran.
@@ -32,13 +40,14 @@ class ValidationCacheTest : public ::testing::Test {
 
   testing::TestMainLoop loop;
   Clock::time_point now = Clock::time_point{} + 1000h;
+  std::chrono::steady_clock::time_point steady = std::chrono::steady_clock::time_point{} + 5h;
   int computations = 0;
 };
 
 TEST_F(ValidationCacheTest, SameKeyAndHashWithinMaxAgeComputesOnce) {
   auto cache = makeCache();
   auto first = cache->getOrCompute("app:name", "h1", counted("name"));
-  now += 59s;
+  advance(59s);
   auto second = cache->getOrCompute("app:name", "h1", counted("name"));
   EXPECT_EQ(computations, 1);
   EXPECT_EQ(second, first);
@@ -65,10 +74,10 @@ TEST_F(ValidationCacheTest, AnotherDependencyHashRecomputesAndReplacesTheEntry) 
 TEST_F(ValidationCacheTest, AnEntryExactlyMaxAgeOldIsStillFreshAndOneTickMoreIsNot) {
   auto cache = makeCache(100, 60.0);
   cache->getOrCompute("k", "h", counted("k"));
-  now += 60s;
+  advance(60s);
   cache->getOrCompute("k", "h", counted("k"));
   EXPECT_EQ(computations, 1);
-  now += 1us;
+  advance(1us);
   cache->getOrCompute("k", "h", counted("k"));
   EXPECT_EQ(computations, 2);
 }
@@ -113,7 +122,7 @@ TEST_F(ValidationCacheTest, ValidateIgnoresTheValueAndChecksAgeOnly) {
   };
   EXPECT_EQ(cache->validate("key", std::string("first"), validator).message, "first");
   EXPECT_EQ(cache->validate("key", std::string("second"), validator).message, "first");
-  now += 6s;
+  advance(6s);
   EXPECT_EQ(cache->validate("key", std::string("third"), validator).message, "third");
   EXPECT_EQ(calls, 2);
 }
@@ -182,14 +191,14 @@ TEST_F(ValidationCacheTest, ClearEmptiesAtOnceButResetsCountersOnlyOnTheMainLoop
 TEST_F(ValidationCacheTest, CleanUpRemovesExpiredEntriesAndPrintsTheStatisticsLine) {
   auto cache = makeCache(100, 10.0);
   cache->getOrCompute("old", "", counted("old"));
-  now += 8s;
+  advance(8s);
   cache->getOrCompute("new", "", counted("new"));
   cache->getOrCompute("new", "", counted("new"));
-  now += 2s;  // "old" is exactly 10 s old: still kept
+  advance(2s);  // "old" is exactly 10 s old: still kept
   testing::CapturedLines lines;
   cache->cleanUp();
   EXPECT_TRUE(cache->entry("old"));
-  now += 1s;
+  advance(1s);
   cache->cleanUp();
   EXPECT_FALSE(cache->entry("old"));
   EXPECT_TRUE(cache->entry("new"));
@@ -208,14 +217,116 @@ TEST_F(ValidationCacheTest, CleanUpStaysQuietWithoutRequestsOrStatistics) {
   EXPECT_TRUE(lines.lines().empty());
 }
 
-TEST_F(ValidationCacheTest, ObserversSeeCounterChanges) {
+// Counter announcements go to the main loop, whichever thread asked; a burst of lookups is
+// announced once, after the counters already hold their new values.
+TEST_F(ValidationCacheTest, CounterChangesAreAnnouncedOnTheMainLoop) {
   auto cache = makeCache();
   std::vector<std::int64_t> requests;
-  auto connection = cache->observe("totalRequests", [&] { requests.push_back(cache->totalRequests()); });
-  cache->getOrCompute("a", "", counted("a"));
-  cache->getOrCompute("a", "", counted("a"));
-  EXPECT_EQ(requests, (std::vector<std::int64_t>{1, 2}));
+  std::vector<std::thread::id> announcers;
+  int hitAnnouncements = 0;
+  int missAnnouncements = 0;
+  auto onRequests = cache->observe("totalRequests", [&] {
+    requests.push_back(cache->totalRequests());
+    announcers.push_back(std::this_thread::get_id());
+  });
+  auto onHits = cache->observe("cacheHits", [&] { ++hitAnnouncements; });
+  auto onMisses = cache->observe("cacheMisses", [&] { ++missAnnouncements; });
+  std::thread requester([&] {
+    cache->getOrCompute("a", "", counted("a"));
+    cache->getOrCompute("a", "", counted("a"));
+  });
+  requester.join();
+  EXPECT_TRUE(requests.empty()) << "announced on the requesting thread";
+  EXPECT_EQ(cache->getStatistics().totalRequests, 2) << "the counters themselves do not wait";
+  loop.drain();
+  EXPECT_EQ(requests, (std::vector<std::int64_t>{2}));
+  EXPECT_EQ(announcers, (std::vector<std::thread::id>{std::this_thread::get_id()}));
+  EXPECT_EQ(hitAnnouncements, 1);
+  EXPECT_EQ(missAnnouncements, 1);
   EXPECT_DOUBLE_EQ(cache->hitRate(), 0.5);
+
+  cache->getOrCompute("b", "", counted("b"));
+  loop.drain();
+  EXPECT_EQ(requests, (std::vector<std::int64_t>{2, 3}));
+  EXPECT_EQ(hitAnnouncements, 1) << "only the counters that changed are announced";
+  EXPECT_EQ(missAnnouncements, 2);
+}
+
+// Correcting the wall clock neither expires a young entry nor keeps an old one: ages are
+// measured on the steady clock, and the wall clock only stamps the entry.
+TEST_F(ValidationCacheTest, WallClockCorrectionsDoNotChangeAges) {
+  struct Case {
+    const char* name;
+    std::chrono::hours correction;
+    std::chrono::seconds elapsed;
+    bool fresh;
+  };
+  const Case cases[] = {
+      {"set back, young entry", -2h, 30s, true},
+      {"set back, old entry", -2h, 61s, false},
+      {"set forward, young entry", 2h, 30s, true},
+      {"set forward, old entry", 2h, 61s, false},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    auto cache = makeCache(100, 60.0);
+    computations = 0;
+    const auto storedAt = now;
+    cache->getOrCompute("k", "h", counted("k"));
+    cache->validate("v", 1, [&](int) { return counted("v")(); });
+    EXPECT_EQ(cache->entry("k")->timestamp, storedAt);
+    now += c.correction;
+    advance(c.elapsed);
+    cache->cleanUp();
+    EXPECT_EQ(cache->entry("k").has_value(), c.fresh) << "clean-up";
+    cache->getOrCompute("k", "h", counted("k"));
+    cache->validate("v", 1, [&](int) { return counted("v")(); });
+    EXPECT_EQ(computations, c.fresh ? 2 : 4) << "lookups";
+  }
+}
+
+// A computation that throws leaves nothing behind but its count: a request and a miss.
+TEST_F(ValidationCacheTest, AThrowingComputationCountsAsAMissAndReachesTheCaller) {
+  auto cache = makeCache();
+  const auto fail = []() -> ValidationResult { throw std::runtime_error("rule failed"); };
+  EXPECT_THROW(cache->getOrCompute("k", "h", fail), std::runtime_error);
+  EXPECT_THROW(cache->validate("v", 1, [&](int) { return fail(); }), std::runtime_error);
+  auto statistics = cache->getStatistics();
+  EXPECT_EQ(statistics.totalRequests, 2);
+  EXPECT_EQ(statistics.cacheMisses, 2);
+  EXPECT_EQ(statistics.cacheHits, 0);
+  EXPECT_EQ(statistics.cacheSize, 0);
+  EXPECT_EQ(cache->getOrCompute("k", "h", counted("k")).message, "k #1") << "the cache is still usable";
+}
+
+// A computation may use the cache it runs in, for other keys, even when what it does
+// removes or evicts the entry its own lookup found.
+TEST_F(ValidationCacheTest, AComputationMayCallBackIntoItsCacheForOtherKeys) {
+  auto cache = makeCache(2);
+  cache->getOrCompute("outer", "old", counted("stale"));
+  auto outer = cache->getOrCompute("outer", "new", [&] {
+    cache->invalidate("outer");
+    auto inner = cache->getOrCompute("inner", "h", counted("inner"));
+    EXPECT_TRUE(cache->entry("inner"));
+    cache->validate("fill", 0, [&](int) { return counted("fill")(); });
+    cache->getOrCompute("evicting", "h", counted("evicting"));
+    EXPECT_EQ(cache->getStatistics().totalRequests, 5);
+    return ValidationResult::info("outer saw " + inner.message);
+  });
+  EXPECT_EQ(outer.message, "outer saw inner #2");
+  EXPECT_EQ(cache->entry("outer")->dependencyHash, "new");
+  EXPECT_EQ(cache->getStatistics().cacheMisses, 5);
+  EXPECT_EQ(cache->getStatistics().cacheSize, 2);
+}
+
+TEST_F(ValidationCacheTest, AComputationAskingForItsOwnKeyIsAPreconditionFailure) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  auto cache = makeCache();
+  EXPECT_DEATH(cache->getOrCompute("app:name", "h", [&] { return cache->getOrCompute("app:name", "h", counted("k")); }),
+               "precondition failed: .*'app:name'");
+  EXPECT_DEATH(cache->validate(
+                   "v", 1, [&](int) { return cache->validate("v", 2, [](int) { return ValidationResult::valid(); }); }),
+               "precondition failed: .*'v'");
 }
 
 TEST(ValidationCacheStatistics, HitRateIsZeroBeforeAnyRequest) {

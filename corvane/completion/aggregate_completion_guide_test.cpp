@@ -55,7 +55,7 @@ class AggregateCompletionGuideTest : public ::testing::Test {
   }
 
   // Records every status the guide announces.
-  boost::signals2::scoped_connection recordStatuses(std::vector<CompletionStatus>& statuses) {
+  ObservationConnection recordStatuses(std::vector<CompletionStatus>& statuses) {
     return guide->observe("completionStatus", [this, &statuses] { statuses.push_back(guide->completionStatus()); });
   }
 

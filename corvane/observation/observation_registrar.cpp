@@ -1,6 +1,11 @@
 #include "corvane/observation/observation_registrar.hpp"
 
+#include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
+#include "corvane/observation/pending_change.hpp"
+#include "corvane/observation/wait_list.hpp"
+
+#include <exception>
 
 #include <map>
 #include <memory>
@@ -11,8 +16,10 @@ namespace corvane {
 
 struct ObservationRegistrar::Storage {
   struct KeySignals {
-    boost::signals2::signal<void()> willSet;
-    boost::signals2::signal<void()> didSet;
+    // Allocated apart from its control block: a scope still waiting on another object
+    // keeps only the control block of a destroyed registrar's list.
+    std::shared_ptr<detail::WaitList> willSet{new detail::WaitList};
+    ObservationSignal didSet;
   };
 
   // Signals live behind shared pointers so that they can be fired outside the lock while
@@ -32,7 +39,7 @@ struct ObservationRegistrar::Storage {
 
   std::mutex mutex;
   std::map<std::string, std::shared_ptr<KeySignals>, std::less<>> keys;
-  boost::signals2::signal<void()> objectWillChange;
+  ObservationSignal objectWillChange;
 };
 
 ObservationRegistrar::~ObservationRegistrar() {
@@ -58,7 +65,18 @@ void ObservationRegistrar::willSet(std::string_view key) {
   Storage* storage = storage_.load(std::memory_order_acquire);
   if (!storage) return;
   storage->objectWillChange();
-  if (auto signals = storage->find(key)) signals->willSet();
+  auto signals = storage->find(key);
+  if (!signals) return;
+  // Every scope waiting for the key fires, also when one of their handlers throws.
+  std::exception_ptr failure;
+  for (const auto& change : signals->willSet->takeAll()) {
+    try {
+      change->fire(signals->willSet.get());
+    } catch (...) {
+      if (!failure) failure = std::current_exception();
+    }
+  }
+  if (failure) std::rethrow_exception(failure);
 }
 
 void ObservationRegistrar::didSet(std::string_view key) {
@@ -67,15 +85,15 @@ void ObservationRegistrar::didSet(std::string_view key) {
   if (auto signals = storage->find(key)) signals->didSet();
 }
 
-boost::signals2::scoped_connection ObservationRegistrar::observe(std::string_view key, std::function<void()> callback) {
+ObservationConnection ObservationRegistrar::observe(std::string_view key, std::function<void()> callback) {
   return storage().findOrCreate(key)->didSet.connect(std::move(callback));
 }
 
-boost::signals2::connection ObservationRegistrar::onWillSet(std::string_view key, std::function<void()> handler) {
-  return storage().findOrCreate(key)->willSet.connect(std::move(handler));
+std::shared_ptr<detail::WaitList> ObservationRegistrar::waitList(std::string_view key) {
+  return storage().findOrCreate(key)->willSet;
 }
 
-boost::signals2::signal<void()>& ObservationRegistrar::objectWillChange() {
+ObservationSignal& ObservationRegistrar::objectWillChange() {
   return storage().objectWillChange;
 }
 

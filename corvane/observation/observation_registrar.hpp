@@ -1,13 +1,19 @@
 #pragma once
 
-#include <boost/signals2/signal.hpp>
+#include "corvane/observation/observation_connection.hpp"
 
 #include <atomic>
 #include <functional>
+#include <memory>
 #include <string_view>
 #include <type_traits>
 
 namespace corvane {
+
+class ObservationSignal;
+namespace detail {
+class WaitList;
+}
 
 /// The observer registry of one observable object. Each observed property is a key (its
 /// name); the object reports reads with `access` and writes with `withMutation` (or the
@@ -60,14 +66,17 @@ class ObservationRegistrar {
   }
 
   /// Calls `callback` after every announced write of `key` (on the writing thread) until
-  /// the returned connection is destroyed or disconnected.
-  [[nodiscard]] boost::signals2::scoped_connection observe(std::string_view key, std::function<void()> callback);
+  /// the returned connection is destroyed or disconnected; disconnecting waits for a call
+  /// running on another thread.
+  [[nodiscard]] ObservationConnection observe(std::string_view key, std::function<void()> callback);
 
-  /// Fired before every announced write, whatever the key.
-  boost::signals2::signal<void()>& objectWillChange();
+  /// Fired before every announced write, whatever the key. Include
+  /// "corvane/observation/observation_signal.hpp" to connect to it.
+  ObservationSignal& objectWillChange();
 
-  /// Connects `handler` to the next will-set announcement of `key`; used by tracking scopes.
-  boost::signals2::connection onWillSet(std::string_view key, std::function<void()> handler);
+  /// The tracking scopes waiting for the next will-set announcement of `key`; used by
+  /// `withObservationTracking`.
+  std::shared_ptr<detail::WaitList> waitList(std::string_view key);
 
  private:
   struct Storage;
@@ -83,12 +92,12 @@ class Observable {
   ObservationRegistrar& observationRegistrar() const noexcept { return registrar_; }
 
   /// See `ObservationRegistrar::observe`.
-  [[nodiscard]] boost::signals2::scoped_connection observe(std::string_view key, std::function<void()> callback) const {
+  [[nodiscard]] ObservationConnection observe(std::string_view key, std::function<void()> callback) const {
     return registrar_.observe(key, std::move(callback));
   }
 
   /// See `ObservationRegistrar::objectWillChange`.
-  boost::signals2::signal<void()>& objectWillChange() const { return registrar_.objectWillChange(); }
+  ObservationSignal& objectWillChange() const { return registrar_.objectWillChange(); }
 
  protected:
   Observable() = default;

@@ -1,5 +1,8 @@
 #include "corvane/observation/observation_registrar.hpp"
+#include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
+#include "corvane/observation/pending_change.hpp"
+#include "corvane/observation/wait_list.hpp"
 
 #include <gtest/gtest.h>
 
@@ -154,6 +157,51 @@ TEST(ObservationTracking, AThrowingScopeInstallsNothing) {
   EXPECT_EQ(calls, 0);
 }
 
+// A scope lives while it can still fire: until it fires, or until every object it waits on
+// is gone. Nothing of it stays behind on a key that never changes.
+TEST(ObservationTracking, ScopesAreReclaimedOnceTheyCanNoLongerFire) {
+  constexpr std::size_t kScopes = 1000;
+  const auto live = [base = detail::PendingChange::liveCount()] { return detail::PendingChange::liveCount() - base; };
+  Box kept;
+
+  for (std::size_t i = 0; i < kScopes; ++i)
+    withObservationTracking([&] { return kept.width() + kept.height(); }, [] {});
+  EXPECT_EQ(live(), kScopes);
+  kept.setWidth(1);
+  EXPECT_EQ(live(), 0u) << "fired through width";
+  EXPECT_EQ(kept.observationRegistrar().waitList("height")->size(), 0u) << "left behind on height";
+
+  {
+    Box gone;
+    for (std::size_t i = 0; i < kScopes; ++i) withObservationTracking([&] { return gone.width(); }, [] {});
+    EXPECT_EQ(live(), kScopes);
+  }
+  EXPECT_EQ(live(), 0u) << "waiting only on a destroyed object";
+
+  std::size_t calls = 0;
+  {
+    Box gone;
+    for (std::size_t i = 0; i < kScopes; ++i) {
+      withObservationTracking([&] { return gone.width() + kept.height(); }, [&] { ++calls; });
+    }
+  }
+  EXPECT_EQ(live(), kScopes) << "still waiting on a live object";
+  kept.setHeight(2);
+  EXPECT_EQ(calls, kScopes);
+  EXPECT_EQ(live(), 0u);
+}
+
+// Every scope waiting for a key fires, also after an earlier handler threw.
+TEST(ObservationTracking, AThrowingHandlerDoesNotKeepTheOthersFromFiring) {
+  Box box;
+  int calls = 0;
+  withObservationTracking([&] { return box.width(); }, [] { throw std::runtime_error("handler failed"); });
+  withObservationTracking([&] { return box.width(); }, [&] { ++calls; });
+  EXPECT_THROW(box.setWidth(1), std::runtime_error);
+  EXPECT_EQ(calls, 1);
+  EXPECT_EQ(box.width(), 0) << "a handler that throws stops the write";
+}
+
 TEST(ObservationObserve, CallsBackAfterEveryWriteOfItsKey) {
   Box box;
   std::vector<int> seen;
@@ -182,7 +230,7 @@ TEST(ObservationObserve, ADroppedConnectionNoLongerFires) {
 }
 
 TEST(ObservationObserve, AConnectionMayOutliveItsObject) {
-  boost::signals2::scoped_connection connection;
+  ObservationConnection connection;
   {
     Box box;
     connection = box.observe("width", [] {});

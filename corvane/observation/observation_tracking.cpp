@@ -1,37 +1,16 @@
 #include "corvane/observation/observation_tracking.hpp"
 
 #include "corvane/observation/observation_registrar.hpp"
+#include "corvane/observation/pending_change.hpp"
+#include "corvane/observation/wait_list.hpp"
 
 #include <algorithm>
 #include <memory>
-#include <mutex>
 
 namespace corvane::detail {
 namespace {
 
 thread_local AccessRecorder* innermostRecorder = nullptr;
-
-// Shared by every handler one tracking scope installs: the first announcement wins, calls
-// the change handler and disconnects the rest.
-struct PendingChange {
-  std::mutex mutex;
-  bool fired = false;
-  std::function<void()> onChange;
-  std::vector<boost::signals2::connection> connections;
-
-  void fire() {
-    std::function<void()> handler;
-    {
-      std::lock_guard lock(mutex);
-      if (fired) return;
-      fired = true;
-      handler = std::move(onChange);
-      for (auto& connection : connections) connection.disconnect();
-      connections.clear();
-    }
-    if (handler) handler();
-  }
-};
 
 }  // namespace
 
@@ -59,11 +38,16 @@ void AccessRecorder::finish(std::function<void()> onChange) {
   accesses_.erase(std::unique(accesses_.begin(), accesses_.end()), accesses_.end());
   if (accesses_.empty()) return;
 
-  auto pending = std::make_shared<PendingChange>();
-  pending->onChange = std::move(onChange);
-  std::lock_guard lock(pending->mutex);
-  for (auto& [registrar, key] : accesses_) {
-    pending->connections.push_back(registrar->onWillSet(key, [pending] { pending->fire(); }));
+  // The scope knows all its lists before it joins the first, where a write on another
+  // thread may fire it at once.
+  std::vector<std::shared_ptr<WaitList>> lists;
+  lists.reserve(accesses_.size());
+  for (auto& [registrar, key] : accesses_) lists.push_back(registrar->waitList(key));
+  auto pending = std::make_shared<PendingChange>(std::move(onChange),
+                                                 std::vector<std::weak_ptr<WaitList>>(lists.begin(), lists.end()));
+  for (auto& list : lists) {
+    if (pending->fired()) break;  // a write on another thread was quicker
+    list->add(pending);
   }
 }
 

@@ -1,5 +1,6 @@
 #include "corvane/submission/change_tracking_field.hpp"
 
+#include "corvane/observation/observation_signal.hpp"
 #include "corvane/observation/observation_tracking.hpp"
 #include "corvane/testing/captured_lines.hpp"
 
@@ -72,7 +73,7 @@ TEST_F(ChangeTrackingFieldTest, MarkAsSavedMovesTheDiscardTarget) {
 
 TEST_F(ChangeTrackingFieldTest, AnnouncesTheKeysEachOperationWrites) {
   std::vector<std::string> announced;
-  std::vector<boost::signals2::scoped_connection> connections;
+  std::vector<ObservationConnection> connections;
   for (const char* key : {"value", "savedValue", "hasUnsavedChanges"}) {
     connections.push_back(field.observe(key, [&announced, key] { announced.push_back(key); }));
   }
@@ -108,7 +109,7 @@ TEST_F(ChangeTrackingFieldTest, FlagAlwaysEqualsValueDiffersFromSaved) {
     EXPECT_EQ(field.hasUnsavedChanges(), field.value() != field.savedValue())
         << "value '" << field.value() << "' saved '" << field.savedValue() << "'";
   };
-  std::vector<boost::signals2::scoped_connection> connections;
+  std::vector<ObservationConnection> connections;
   for (const char* key : {"value", "savedValue", "hasUnsavedChanges"}) connections.push_back(field.observe(key, check));
   auto beforeEveryWrite = field.objectWillChange().connect(check);
 

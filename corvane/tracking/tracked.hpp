@@ -4,6 +4,7 @@
 #include "corvane/observation/observation_registrar.hpp"
 #include "corvane/results/validation_result.hpp"
 #include "corvane/support/describe.hpp"
+#include "corvane/support/object_identity.hpp"
 #include "corvane/support/precondition.hpp"
 #include "corvane/tracking/empty_value_rule.hpp"
 #include "corvane/tracking/support_url_check.hpp"
@@ -201,8 +202,10 @@ class Tracked final : public TrackedValidatable, public Observable {
     return result;
   }
 
-  /// The verdict through the shared validation cache, under a key made of this object's
-  /// identity and the rendering of the current value, refreshed by age only.
+  /// The verdict through the shared validation cache, under `identityKey()` + ":" + the
+  /// rendering of the current value, refreshed by age only. A rule may call this on another
+  /// property; calling it on the property whose rules are running is a fatal precondition
+  /// failure (it would recurse forever).
   ValidationResult validateCached() const
     requires Describable<T>
   {
@@ -217,8 +220,9 @@ class Tracked final : public TrackedValidatable, public Observable {
     observationRegistrar().withMutation(kValidationRules, [&] { validationRules_.push_back(std::move(rule)); });
   }
 
-  /// Text unique among live objects and stable for this one's lifetime.
-  std::string identityKey() const { return "Tracked@" + describe(reinterpret_cast<std::uintptr_t>(this)); }
+  /// "Tracked#<n>", where no other property of this process, live or destroyed, has the same
+  /// n: a property built where a destroyed one lived does not meet that one's cached verdicts.
+  std::string identityKey() const { return "Tracked#" + describe(identity_); }
 
  private:
   static constexpr std::string_view kStorage = "storage";
@@ -244,6 +248,7 @@ class Tracked final : public TrackedValidatable, public Observable {
                                         [&] { cachedValidationResult_ = std::move(result); });
   }
 
+  std::uint64_t identity_ = nextObjectIdentity();  // never changes
   T storage_;
   T originalValue_;
   std::vector<Rule> validationRules_;

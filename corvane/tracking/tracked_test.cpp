@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -154,6 +155,45 @@ TEST(TrackedCache, ValidateCachedReusesTheVerdictForTheSameValue) {
   EXPECT_EQ(other.validateCached(), ValidationResult::invalid()) << "keys are per property";
   ValidationCache::shared().invalidatePrefix(property.identityKey());
   ValidationCache::shared().invalidatePrefix(other.identityKey());
+}
+
+// A property built where a destroyed one lived must not inherit that one's cached verdict.
+TEST(TrackedCache, ANewPropertyInTheStorageOfADestroyedOneGetsItsOwnVerdict) {
+  testing::TestMainLoop loop;
+  std::optional<Tracked<std::string>> slot;
+  slot.emplace("same",
+               std::vector<Tracked<std::string>::Rule>{[](const std::string&) { return ValidationResult::invalid(); }});
+  const std::string firstKey = slot->identityKey();
+  EXPECT_EQ(slot->validateCached(), ValidationResult::invalid());
+  slot.reset();
+  slot.emplace("same",
+               std::vector<Tracked<std::string>::Rule>{[](const std::string&) { return ValidationResult::valid(); }});
+  EXPECT_NE(slot->identityKey(), firstKey) << "identities are never reused";
+  EXPECT_EQ(slot->validateCached(), ValidationResult::valid());
+  ValidationCache::shared().invalidatePrefix(firstKey + ":");
+  ValidationCache::shared().invalidatePrefix(slot->identityKey() + ":");
+}
+
+// A rule may consult another property's cached verdict; its own would recurse forever.
+TEST(TrackedCache, ARuleMayAskAnotherPropertyForItsCachedVerdictButNotItsOwn) {
+  testing::TestMainLoop loop;
+  Tracked<std::string> name("Corvane",
+                            {[](const std::string& value) { return ValidationResult::info("name " + value); }});
+  Tracked<std::string> subtitle("Edits", {[&](const std::string& value) {
+                                  return ValidationResult::info(name.validateCached().message + ", subtitle " + value);
+                                }});
+  EXPECT_EQ(subtitle.validateCached().message, "name Corvane, subtitle Edits");
+
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(
+      {
+        Tracked<std::string> selfish("x");
+        selfish.addValidation([&](const std::string&) { return selfish.validateCached(); });
+        (void)selfish.validateCached();
+      },
+      "precondition failed: .*asked the same cache for its own key");
+  ValidationCache::shared().invalidatePrefix(name.identityKey() + ":");
+  ValidationCache::shared().invalidatePrefix(subtitle.identityKey() + ":");
 }
 
 }  // namespace

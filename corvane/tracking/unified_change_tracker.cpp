@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace corvane {
 namespace {
@@ -58,7 +59,12 @@ UnifiedChangeTracker::UnifiedChangeTracker() : UnifiedChangeTracker(Configuratio
 
 UnifiedChangeTracker::UnifiedChangeTracker(Configuration configuration) : configuration_(configuration) {}
 
-UnifiedChangeTracker::~UnifiedChangeTracker() = default;
+UnifiedChangeTracker::~UnifiedChangeTracker() {
+  // A submit under way would go on with a destroyed tracker when it resumes.
+  CORVANE_PRECONDITION(submitsUnderWay_ == 0,
+                       "UnifiedChangeTracker destroyed while one of its submits is under way: own it through a "
+                       "std::shared_ptr or keep it until the submit ends");
+}
 
 const std::list<UnifiedChangeTracker::Registration>& UnifiedChangeTracker::entities() const {
   observationRegistrar().access(kEntities);
@@ -176,7 +182,30 @@ std::string UnifiedChangeTracker::getStatusText(std::string_view entityId) const
   return "Ready to submit";
 }
 
+UnifiedChangeTracker::SubmitGuard::SubmitGuard(UnifiedChangeTracker& tracker)
+    : tracker_(&tracker), owner_(tracker.weak_from_this().lock()) {
+  ++tracker_->submitsUnderWay_;
+}
+
+UnifiedChangeTracker::SubmitGuard::SubmitGuard(SubmitGuard&& other) noexcept
+    : tracker_(std::exchange(other.tracker_, nullptr)), owner_(std::move(other.owner_)) {}
+
+UnifiedChangeTracker::SubmitGuard::~SubmitGuard() {
+  // Counted down before `owner_` goes, which may destroy the tracker.
+  if (tracker_) --tracker_->submitsUnderWay_;
+}
+
+// The coroutines proper take the guard as a parameter, so that it is in their frame from the
+// call on: an awaitable does not start until it is awaited.
 boost::asio::awaitable<void> UnifiedChangeTracker::submit(std::string entityId) {
+  return submitGuarded(SubmitGuard(*this), std::move(entityId));
+}
+
+boost::asio::awaitable<void> UnifiedChangeTracker::submitAll() {
+  return submitAllGuarded(SubmitGuard(*this));
+}
+
+boost::asio::awaitable<void> UnifiedChangeTracker::submitGuarded(SubmitGuard, std::string entityId) {
   auto entity = find(entityId);
   if (!entity) throw ChangeTrackingError::entityNotFound(entityId);
   if (!entity->hasUnsavedChanges()) throw ChangeTrackingError::nothingToSubmit();
@@ -223,7 +252,7 @@ std::string UnifiedChangeTracker::statusText() const {
   return "Ready to submit";
 }
 
-boost::asio::awaitable<void> UnifiedChangeTracker::submitAll() {
+boost::asio::awaitable<void> UnifiedChangeTracker::submitAllGuarded(SubmitGuard) {
   const auto changed = entitiesWithChanges();
   if (changed.empty()) throw ChangeTrackingError::nothingToSubmit();
   auto errors = validationErrors();

@@ -28,7 +28,12 @@ namespace corvane {
 /// replaces the entity in place. The tracker holds entities strongly; entities refer back
 /// to it weakly. Not synchronised: use it from the user-interface thread. Observed keys:
 /// "entities" and "stateVersion".
-class UnifiedChangeTracker final : public Observable {
+///
+/// A submit keeps a tracker that a `std::shared_ptr` owns alive from the call until it
+/// ends, so its owner may let go meanwhile. A tracker owned any other way must outlive
+/// its submits: destroying it while one is under way (started or not) is a fatal
+/// precondition failure.
+class UnifiedChangeTracker final : public Observable, public std::enable_shared_from_this<UnifiedChangeTracker> {
  public:
   /// Fixed at construction.
   struct Configuration {
@@ -65,6 +70,7 @@ class UnifiedChangeTracker final : public Observable {
   UnifiedChangeTracker();
   /// An empty tracker at state version 0.
   explicit UnifiedChangeTracker(Configuration configuration);
+  /// Aborts when a submit of this tracker is still under way.
   ~UnifiedChangeTracker();
   UnifiedChangeTracker(const UnifiedChangeTracker&) = delete;
   UnifiedChangeTracker& operator=(const UnifiedChangeTracker&) = delete;
@@ -176,6 +182,22 @@ class UnifiedChangeTracker final : public Observable {
     std::string entityId;
     EntityPtr entity;
   };
+  // Travels with a submit's coroutine frame from the call on: holds the tracker when a
+  // shared pointer owns it, and counts the submits under way for the destructor's check.
+  class SubmitGuard {
+   public:
+    explicit SubmitGuard(UnifiedChangeTracker& tracker);
+    SubmitGuard(SubmitGuard&& other) noexcept;
+    SubmitGuard& operator=(SubmitGuard&&) = delete;
+    ~SubmitGuard();
+
+   private:
+    UnifiedChangeTracker* tracker_;
+    std::shared_ptr<UnifiedChangeTracker> owner_;
+  };
+
+  boost::asio::awaitable<void> submitGuarded(SubmitGuard guard, std::string entityId);
+  boost::asio::awaitable<void> submitAllGuarded(SubmitGuard guard);
 
   EntityPtr find(std::string_view entityId) const;
   const std::list<Registration>& entities() const;
@@ -190,6 +212,7 @@ class UnifiedChangeTracker final : public Observable {
   std::list<Registration> entities_;  // registration order
   std::unordered_map<std::string_view, std::list<Registration>::iterator> index_;
   std::int64_t stateVersion_ = 0;
+  std::size_t submitsUnderWay_ = 0;
 };
 
 }  // namespace corvane

@@ -5,10 +5,19 @@
 #include "corvane/testing/test_main_loop.hpp"
 #include "corvane/tracking/tracked.hpp"
 
+#include <boost/asio/co_spawn.hpp>
+#include <boost/asio/detached.hpp>
+#include <boost/asio/redirect_error.hpp>
+#include <boost/asio/steady_timer.hpp>
+#include <boost/asio/this_coro.hpp>
+#include <boost/asio/use_awaitable.hpp>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
+#include <exception>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -450,6 +459,91 @@ TEST_F(UnifiedChangeTrackerDeathTest, RegisteringBeyondTheLimitIsFatalEvenForAKn
   small.register_(std::make_shared<FakeEntity>("b", "B"));
   EXPECT_DEATH(small.register_(std::make_shared<FakeEntity>("b", "B again")), "maxEntities");
   EXPECT_DEATH(small.register_(std::make_shared<FakeEntity>("c", "C")), "maxEntities");
+}
+
+// An entity whose save waits until the test releases it.
+class ParkedEntity final : public TrackableEntity {
+ public:
+  std::string entityId() const override { return "parked"; }
+  std::string entityName() const override { return "Parked"; }
+  bool hasUnsavedChanges() const override { return changed; }
+  std::string changeDescription() const override { return {}; }
+  ValidationResult validationResult() const override { return ValidationResult::valid(); }
+  boost::asio::awaitable<void> saveChanges() override {
+    boost::asio::steady_timer timer(co_await boost::asio::this_coro::executor,
+                                    boost::asio::steady_timer::time_point::max());
+    parked = &timer;
+    boost::system::error_code released;
+    co_await timer.async_wait(boost::asio::redirect_error(boost::asio::use_awaitable, released));
+    parked = nullptr;
+    changed = false;
+  }
+  void discardChanges() override { changed = false; }
+  void release() { parked->cancel(); }
+
+  bool changed = true;
+  boost::asio::steady_timer* parked = nullptr;
+};
+
+using Submit = boost::asio::awaitable<void> (*)(UnifiedChangeTracker&);
+
+// A tracker that a shared pointer owns lives until its own submit ends, when its owner lets
+// go while the save is under way or even before the submit has started.
+TEST(UnifiedChangeTrackerLifetime, ASubmitKeepsASharedTrackerAliveUntilItEnds) {
+  struct Case {
+    const char* name;
+    Submit submit;
+    bool dropBeforeStart;
+  };
+  const Case cases[] = {
+      {"submit, dropped during the save", [](UnifiedChangeTracker& t) { return t.submit("parked"); }, false},
+      {"submitAll, dropped during the save", [](UnifiedChangeTracker& t) { return t.submitAll(); }, false},
+      {"submit, dropped before it starts", [](UnifiedChangeTracker& t) { return t.submit("parked"); }, true},
+      {"submitAll, dropped before it starts", [](UnifiedChangeTracker& t) { return t.submitAll(); }, true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    testing::TestMainLoop loop;
+    auto entity = std::make_shared<ParkedEntity>();
+    auto tracker = std::make_shared<UnifiedChangeTracker>();
+    tracker->register_(entity);
+    const std::weak_ptr<UnifiedChangeTracker> weak = tracker;
+    auto operation = c.submit(*tracker);
+    if (c.dropBeforeStart) tracker.reset();
+    bool done = false;
+    std::exception_ptr failure;
+    boost::asio::co_spawn(loop.context(), std::move(operation), [&](std::exception_ptr error) {
+      failure = error;
+      done = true;
+    });
+    loop.drain();
+    ASSERT_NE(entity->parked, nullptr);
+    tracker.reset();
+    EXPECT_FALSE(weak.expired()) << "the submit let go of its tracker while it waited";
+    entity->release();
+    loop.drain();
+    EXPECT_TRUE(done);
+    EXPECT_FALSE(failure);
+    EXPECT_FALSE(entity->changed);
+    EXPECT_TRUE(weak.expired()) << "the finished submit still holds its tracker";
+  }
+}
+
+// A tracker that no shared pointer owns cannot be kept alive: destroying it while one of
+// its submits is under way is a programming error, caught before the submit runs on.
+TEST(UnifiedChangeTrackerLifetimeDeathTest, DestroyingAnUnsharedTrackerDuringASubmitIsFatal) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(
+      {
+        testing::TestMainLoop loop;
+        auto entity = std::make_shared<ParkedEntity>();
+        auto tracker = std::make_unique<UnifiedChangeTracker>();
+        tracker->register_(entity);
+        boost::asio::co_spawn(loop.context(), tracker->submit("parked"), boost::asio::detached);
+        loop.drain();
+        tracker.reset();
+      },
+      "precondition failed: .*submit");
 }
 
 }  // namespace
