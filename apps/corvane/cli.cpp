@@ -198,11 +198,13 @@ std::string usageText() {
          "       corvane rules [--format text|json]\n"
          "       corvane --help | --version\n"
          "\n"
-         "Checks an app's App Store metadata folder (one folder per locale, such as en-US, with\n"
-         "name.txt, subtitle.txt, description.txt, keywords.txt, ...; default/ for texts every\n"
-         "locale shares; copyright.txt, the category files and review_information/ at the top)\n"
-         "against the store's rules and reports blockers, rejection risks, optimizations and\n"
-         "opportunities. Without DIR, checks the bundled sample. 'corvane rules' lists the rules.\n"
+         "Checks an app's store metadata folder against the store's rules and reports blockers,\n"
+         "rejection risks, optimizations and opportunities. An App Store folder has one folder\n"
+         "per locale (such as en-US) with name.txt, subtitle.txt, description.txt, keywords.txt,\n"
+         "...; default/ for texts every locale shares; copyright.txt, the category files and\n"
+         "review_information/ at the top. A Google Play folder has one folder per locale with\n"
+         "title.txt, short_description.txt, full_description.txt, video.txt and changelogs/.\n"
+         "Without DIR, checks the bundled sample. 'corvane rules' lists the rules.\n"
          "\n"
          "  --format text|json|sarif|github|junit|html\n"
          "                       report format (default text): sarif for code scanning, github for\n"
@@ -219,9 +221,9 @@ std::string usageText() {
          "  --store appstore|play|auto\n"
          "                       which store's layout and rules (auto: recognised from the folder)\n"
          "\n"
-         "Exit status: 0 nothing at the --fail-on level or above, 1 something is (by default: something\n"
-         "blocks submission), 2 usage or input error,\n"
-         "a failed write (every file put back) or a report that could not be written.\n";
+         "Exit status: 0 nothing at the --fail-on level or above; 1 something is (by default:\n"
+         "something blocks submission); 2 a usage or input error, a failed write (every file put\n"
+         "back) or a report that could not be written.\n";
 }
 
 namespace {
