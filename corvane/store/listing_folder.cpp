@@ -162,9 +162,9 @@ std::optional<std::string> newestChangelog(const fs::path& folder) {
   return "changelogs/" + newest->second;
 }
 
+// Reads a locale folder; `isLink` says whether it is reached through a (checked) link.
 LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path& folder,
-                        std::span<const ListingField> fields) {
-  const bool isLink = reader.checkLink(folder);
+                        std::span<const ListingField> fields, bool isLink) {
   const FileHandle directory = reader.openFolder(folder);
   LocaleFolder locale{.locale = name, .folder = folder, .texts = {}};
   for (const auto field : fields) {
@@ -214,7 +214,11 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   Reader reader(canonicalRoot);
 
   ListingFolder listing{.root = root, .locales = {}, .unknownLocales = {}, .shared = {}, .bytesRead = 0};
-  std::vector<std::string> localeNames;
+  struct LocaleEntry {
+    std::string name;
+    bool isLink;  // reached through a symbolic link (checked: it stays inside the root)
+  };
+  std::vector<LocaleEntry> localeNames;
   fs::directory_iterator entries(root, error);
   if (error) throw InputError(root.string() + ": cannot read folder: " + error.message());
   for (const auto& entry : entries) {
@@ -223,14 +227,15 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
     if (name.starts_with('.') || facts.isSharedFolder(name)) continue;
     const bool known = facts.isLocale(name) || std::ranges::find(extraLocales, name) != extraLocales.end();
     if (known) {
-      reader.checkLink(entry.path());
-      if (entry.is_directory(entryError)) localeNames.push_back(name);
+      // The entry knows its own type from the listing, so a plain folder costs no lstat.
+      const bool isLink = entry.is_symlink(entryError) && reader.checkLink(entry.path());
+      if (entry.is_directory(entryError)) localeNames.push_back({name, isLink});
     } else if (entry.is_directory(entryError) &&
                (looksLikeLocale(name) || holdsListingFile(entry.path(), facts.localeFields()))) {
       listing.unknownLocales.push_back({name, facts.closestLocale(name)});
     }
   }
-  std::ranges::sort(localeNames);
+  std::ranges::sort(localeNames, {}, &LocaleEntry::name);
   std::ranges::sort(listing.unknownLocales, {}, &UnknownLocaleFolder::name);
   if (localeNames.empty()) {
     std::string message = root.string() + ": no locale folders (such as en-US) found";
@@ -244,10 +249,11 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
 
   std::optional<LocaleFolder> defaults;
   if (facts.hasDefaultFolder() && fs::is_directory(root / "default", error)) {
-    defaults = readLocale(reader, "default", root / "default", facts.localeFields());
+    defaults =
+        readLocale(reader, "default", root / "default", facts.localeFields(), reader.checkLink(root / "default"));
   }
-  for (const auto& name : localeNames) {
-    LocaleFolder locale = readLocale(reader, name, root / name, facts.localeFields());
+  for (const auto& [name, isLink] : localeNames) {
+    LocaleFolder locale = readLocale(reader, name, root / name, facts.localeFields(), isLink);
     const bool anyFile = std::ranges::any_of(locale.texts, [](const ListingText& t) { return t.text.has_value(); });
     if (!anyFile && !defaults) {
       throw InputError(locale.folder.string() + ": locale folder holds none of the metadata files");
