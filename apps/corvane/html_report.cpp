@@ -23,50 +23,6 @@ using store::kRuleLevels;
 // the findings of the next field off the screen.
 constexpr std::size_t kFoldedCharacters = 280;
 
-// Text for HTML text or a quoted attribute. File contents and folder names may hold
-// anything: bytes that are not UTF-8 become U+FFFD, and control characters, which neither
-// HTML nor XML allows, are spelt out as in the text report.
-std::string escaped(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  while (!text.empty()) {
-    const auto bad = firstInvalidUtf8Offset(text);
-    for (const char c : text.substr(0, bad.value_or(text.size()))) {
-      const auto byte = static_cast<unsigned char>(c);
-      switch (c) {
-        case '&':
-          result += "&amp;";
-          break;
-        case '<':
-          result += "&lt;";
-          break;
-        case '>':
-          result += "&gt;";
-          break;
-        case '"':
-          result += "&quot;";
-          break;
-        case '\'':
-          result += "&#39;";
-          break;
-        case '\n':
-        case '\t':
-          result += c;
-          break;
-        default:
-          if (byte < 0x20 || byte == 0x7F) {
-            result += fmt::format("\\x{:02X}", byte);
-          } else {
-            result += c;
-          }
-      }
-    }
-    if (!bad) break;
-    result += "\uFFFD";
-    text.remove_prefix(*bad + 1);
-  }
-  return result;
-}
 
 // The level's class name in the style sheet and its words for people.
 std::string_view levelClass(RuleLevel level) {
@@ -198,11 +154,11 @@ details summary { cursor: pointer; color: var(--optimization); }
 // One finding: its level in words, message, why the store cares, what to do, and where.
 void writeFinding(const ListingFinding& finding, std::ostream& out) {
   const auto& verdict = finding.verdict;
-  out << "<li class=\"finding " << levelClass(finding.level) << "\" data-rule=\"" << escaped(finding.rule) << "\">\n"
+  out << "<li class=\"finding " << levelClass(finding.level) << "\" data-rule=\"" << markupEscaped(finding.rule) << "\">\n"
       << "<p class=\"message\"><span class=\"badge\">" << levelWords(finding.level) << "</span>"
-      << escaped(verdict.message) << "</p>\n";
+      << markupEscaped(verdict.message) << "</p>\n";
   if (verdict.businessReason) {
-    out << "<p class=\"why\"><span class=\"label\">Why it matters:</span> " << escaped(*verdict.businessReason)
+    out << "<p class=\"why\"><span class=\"label\">Why it matters:</span> " << markupEscaped(*verdict.businessReason)
         << "</p>\n";
   }
   std::string action;
@@ -215,10 +171,10 @@ void writeFinding(const ListingFinding& finding, std::ostream& out) {
     action = *verdict.suggestedFix;
   }
   if (!action.empty()) {
-    out << "<p class=\"do\"><span class=\"label\">What to do:</span> " << escaped(action) << "</p>\n";
+    out << "<p class=\"do\"><span class=\"label\">What to do:</span> " << markupEscaped(action) << "</p>\n";
   }
-  out << "<p class=\"meta\">Rule <code class=\"rule\">" << escaped(finding.rule) << "</code> at <span class=\"place\">"
-      << escaped(finding.file);
+  out << "<p class=\"meta\">Rule <code class=\"rule\">" << markupEscaped(finding.rule) << "</code> at <span class=\"place\">"
+      << markupEscaped(finding.file);
   if (finding.position) out << ':' << finding.position->line << ':' << finding.position->column;
   out << "</span></p>\n</li>\n";
 }
@@ -239,7 +195,7 @@ void writeField(const FieldText& field, const store::FieldFacts& facts, const Lo
   out << "<div class=\"field\" id=\"" << anchor("field-" + section.locale + "-", store::fieldKey(field.field))
       << "\" data-field=\"" << store::fieldKey(field.field) << "\" data-count=\"" << count << "\"";
   if (facts.limit) out << " data-limit=\"" << *facts.limit << "\"";
-  out << ">\n<h3><span>" << escaped(label) << "</span><span class=\"file\">" << escaped(field.file);
+  out << ">\n<h3><span>" << markupEscaped(label) << "</span><span class=\"file\">" << markupEscaped(field.file);
   if (field.source == store::TextSource::defaults) out << " (from default/)";
   out << "</span></h3>\n";
 
@@ -263,9 +219,9 @@ void writeField(const FieldText& field, const store::FieldFacts& facts, const Lo
       out << "<p class=\"empty\">Empty</p>\n";
     } else if (characterCount(field.text) > kFoldedCharacters) {
       out << "<details><summary>Show the text (" << plural(count, "character", "characters")
-          << ")</summary>\n<div class=\"text\">" << escaped(field.text) << "</div>\n</details>\n";
+          << ")</summary>\n<div class=\"text\">" << markupEscaped(field.text) << "</div>\n</details>\n";
     } else {
-      out << "<div class=\"text\">" << escaped(field.text) << "</div>\n";
+      out << "<div class=\"text\">" << markupEscaped(field.text) << "</div>\n";
     }
   }
 
@@ -300,8 +256,8 @@ void writeChecklist(const std::vector<CompletionItem>& checklist, std::ostream& 
       << "<ul class=\"checklist\">\n";
   for (const auto& item : checklist) {
     out << "<li class=\"item " << statusClass(item.status) << "\"><span class=\"status " << statusClass(item.status)
-        << "\">" << statusWords(item.status) << "</span> " << escaped(item.title);
-    if (!item.status.isCompleted()) out << " <span class=\"meta\">(" << escaped(item.description) << ")</span>";
+        << "\">" << statusWords(item.status) << "</span> " << markupEscaped(item.title);
+    if (!item.status.isCompleted()) out << " <span class=\"meta\">(" << markupEscaped(item.description) << ")</span>";
     out << "</li>\n";
   }
   out << "</ul>\n";
@@ -322,8 +278,8 @@ std::string sectionCounts(const LocaleReport& section) {
 void writeCard(const LocaleReport& section, std::string_view title, const store::StoreFacts& facts,
                std::ostream& out) {
   out << "<section class=\"card\" id=\"" << anchor("locale-", section.locale) << "\" data-locale=\""
-      << escaped(section.locale) << "\">\n<h2>" << escaped(title) << "<span class=\"meta\">"
-      << escaped(sectionCounts(section)) << "</span></h2>\n";
+      << markupEscaped(section.locale) << "\">\n<h2>" << markupEscaped(title) << "<span class=\"meta\">"
+      << markupEscaped(sectionCounts(section)) << "</span></h2>\n";
   // A field the store does not require, without a file and without findings, says nothing
   // worth a block of its own: such fields share one line at the end.
   std::vector<std::string> absent;
@@ -342,7 +298,7 @@ void writeCard(const LocaleReport& section, std::string_view title, const store:
   if (!absent.empty()) {
     std::string names = absent.front();
     for (std::size_t i = 1; i < absent.size(); ++i) names += ", " + absent[i];
-    out << "<p class=\"absent meta\">Not provided (optional): " << escaped(names) << "</p>\n";
+    out << "<p class=\"absent meta\">Not provided (optional): " << markupEscaped(names) << "</p>\n";
   }
   // Findings that belong to no field shown here: the folder itself (an unknown locale folder).
   std::vector<const ListingFinding*> others;
@@ -372,7 +328,7 @@ void writeBanner(const CheckReport& report, std::ostream& out) {
   }
   out << "</h1>\n<p class=\"meta\">" << store::storeName(report.store) << " rules, "
       << plural(static_cast<std::int64_t>(report.locales.size()), "locale", "locales") << ", checked by corvane "
-      << CorvaneVersionString << "<br/>Folder: <code class=\"folder\">" << escaped(report.directory.string())
+      << CorvaneVersionString << "<br/>Folder: <code class=\"folder\">" << markupEscaped(report.directory.string())
       << "</code></p>\n"
       << "<ul class=\"counts\">\n";
   for (const auto level : kRuleLevels) {
@@ -382,17 +338,17 @@ void writeBanner(const CheckReport& report, std::ostream& out) {
         << (count == 1 ? levelWords(level) : levelPlural(level)) << "</li>\n";
   }
   out << "</ul>\n<p>Checklist: " << report.progress.completedItems << " of " << report.progress.totalItems
-      << " items done, " << escaped(completionSummary(report)) << ".";
+      << " items done, " << markupEscaped(completionSummary(report)) << ".";
   if (report.nextAction) {
-    out << " Next: " << escaped(report.nextAction->title) << " <span class=\"meta\">("
-        << escaped(report.nextAction->description) << ")</span>";
+    out << " Next: " << markupEscaped(report.nextAction->title) << " <span class=\"meta\">("
+        << markupEscaped(report.nextAction->description) << ")</span>";
   }
   out << "</p>\n";
   if (!report.fixes.empty()) {
     out << "<p>" << (report.fixesWritten ? "Fixed automatically: " : "Would fix automatically: ");
     for (std::size_t i = 0; i < report.fixes.size(); ++i) {
       const auto& fix = report.fixes[i];
-      out << (i > 0 ? "; " : "") << escaped(fix.file) << " (" << escaped(fix.action) << ", " << fix.charactersBefore
+      out << (i > 0 ? "; " : "") << markupEscaped(fix.file) << " (" << markupEscaped(fix.action) << ", " << fix.charactersBefore
           << " to " << fix.charactersAfter << " characters)";
     }
     out << "</p>\n";
@@ -408,12 +364,12 @@ void writeHtmlReport(const CheckReport& report, std::ostream& out) {
   const bool shared = !report.shared.findings.empty() || !report.shared.checklist.empty();
   out << "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
       << "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
-      << "<title>Corvane report: " << escaped(report.directory.filename().string()) << "</title>\n"
+      << "<title>Corvane report: " << markupEscaped(report.directory.filename().string()) << "</title>\n"
       << "<style>" << kStyle << "</style>\n</head>\n<body>\n";
   writeBanner(report, out);
   out << "<nav aria-label=\"Locales\"><ul>\n";
   for (const auto& locale : report.locales) {
-    out << "<li><a href=\"#" << anchor("locale-", locale.locale) << "\">" << escaped(locale.locale) << "</a></li>\n";
+    out << "<li><a href=\"#" << anchor("locale-", locale.locale) << "\">" << markupEscaped(locale.locale) << "</a></li>\n";
   }
   if (shared) out << "<li><a href=\"#locale-shared\">Shared files</a></li>\n";
   out << "</ul></nav>\n<main>\n";

@@ -279,14 +279,55 @@ void writeGithubReport(const CheckReport& report, std::ostream& out, bool quiet)
 
 namespace {
 
-// Text for XML: bytes that are not UTF-8 become U+FFFD and control characters, which XML
-// 1.0 cannot hold even escaped, are spelt out as in the text report.
-std::string xmlEscaped(std::string_view text) {
+
+struct TestCase {
+  std::string name;
+  std::string file;
+  std::vector<const ListingFinding*> findings;
+};
+
+void writeSuite(std::string_view name, const std::vector<TestCase>& cases, RuleLevel failOn, std::ostream& out) {
+  std::size_t failures = 0;
+  for (const auto& testCase : cases) {
+    failures += static_cast<std::size_t>(std::ranges::count_if(
+        testCase.findings, [&](const ListingFinding* finding) { return finding->level <= failOn; }));
+  }
+  out << "  <testsuite name=\"" << markupEscaped(name) << "\" tests=\"" << cases.size() << "\" failures=\"" << failures
+      << "\" errors=\"0\" skipped=\"0\">\n";
+  for (const auto& testCase : cases) {
+    out << "    <testcase classname=\"" << markupEscaped(name) << "\" name=\"" << markupEscaped(testCase.name)
+        << "\" file=\"" << markupEscaped(testCase.file) << "\"";
+    if (testCase.findings.empty()) {
+      out << "/>\n";
+      continue;
+    }
+    out << ">\n";
+    std::string below;
+    for (const auto* finding : testCase.findings) {
+      std::string detail = location(*finding) + ": " + finding->verdict.message;
+      if (finding->verdict.businessReason) detail += "\nwhy: " + *finding->verdict.businessReason;
+      if (finding->level > failOn) {
+        below += fmt::format("{} [{}, {}]\n", detail, finding->rule, store::levelName(finding->level));
+        continue;
+      }
+      out << "      <failure type=\"" << markupEscaped(finding->rule) << "\" message=\""
+          << markupEscaped(fmt::format("{}: {}", store::levelName(finding->level), finding->verdict.message)) << "\">"
+          << markupEscaped(detail) << "</failure>\n";
+    }
+    if (!below.empty()) out << "      <system-out>" << markupEscaped(below) << "</system-out>\n";
+    out << "    </testcase>\n";
+  }
+  out << "  </testsuite>\n";
+}
+
+}  // namespace
+
+std::string markupEscaped(std::string_view text) {
   std::string result;
+  result.reserve(text.size());
   while (!text.empty()) {
     const auto bad = firstInvalidUtf8Offset(text);
-    const auto good = text.substr(0, bad.value_or(text.size()));
-    for (const char c : good) {
+    for (const char c : text.substr(0, bad.value_or(text.size()))) {
       const auto byte = static_cast<unsigned char>(c);
       switch (c) {
         case '&':
@@ -302,7 +343,7 @@ std::string xmlEscaped(std::string_view text) {
           result += "&quot;";
           break;
         case '\'':
-          result += "&apos;";
+          result += "&#39;";  // HTML 4 has no &apos;
           break;
         case '\n':
         case '\t':
@@ -322,48 +363,6 @@ std::string xmlEscaped(std::string_view text) {
   }
   return result;
 }
-
-struct TestCase {
-  std::string name;
-  std::string file;
-  std::vector<const ListingFinding*> findings;
-};
-
-void writeSuite(std::string_view name, const std::vector<TestCase>& cases, RuleLevel failOn, std::ostream& out) {
-  std::size_t failures = 0;
-  for (const auto& testCase : cases) {
-    failures += static_cast<std::size_t>(std::ranges::count_if(
-        testCase.findings, [&](const ListingFinding* finding) { return finding->level <= failOn; }));
-  }
-  out << "  <testsuite name=\"" << xmlEscaped(name) << "\" tests=\"" << cases.size() << "\" failures=\"" << failures
-      << "\" errors=\"0\" skipped=\"0\">\n";
-  for (const auto& testCase : cases) {
-    out << "    <testcase classname=\"" << xmlEscaped(name) << "\" name=\"" << xmlEscaped(testCase.name)
-        << "\" file=\"" << xmlEscaped(testCase.file) << "\"";
-    if (testCase.findings.empty()) {
-      out << "/>\n";
-      continue;
-    }
-    out << ">\n";
-    std::string below;
-    for (const auto* finding : testCase.findings) {
-      std::string detail = location(*finding) + ": " + finding->verdict.message;
-      if (finding->verdict.businessReason) detail += "\nwhy: " + *finding->verdict.businessReason;
-      if (finding->level > failOn) {
-        below += fmt::format("{} [{}, {}]\n", detail, finding->rule, store::levelName(finding->level));
-        continue;
-      }
-      out << "      <failure type=\"" << xmlEscaped(finding->rule) << "\" message=\""
-          << xmlEscaped(fmt::format("{}: {}", store::levelName(finding->level), finding->verdict.message)) << "\">"
-          << xmlEscaped(detail) << "</failure>\n";
-    }
-    if (!below.empty()) out << "      <system-out>" << xmlEscaped(below) << "</system-out>\n";
-    out << "    </testcase>\n";
-  }
-  out << "  </testsuite>\n";
-}
-
-}  // namespace
 
 void writeJunitReport(const CheckReport& report, RuleLevel failOn, std::ostream& out) {
   out << "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites name=\"corvane\">\n";

@@ -6,6 +6,7 @@
 
 #include <ostream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace corvane::cli {
@@ -37,6 +38,11 @@ void writeFindingLines(const CheckReport& report, std::ostream& out, bool colour
 /// with its file (the folder joined with the finding's file), line, column and rule as
 /// title, then, unless `quiet`, the decision line. Values are escaped as the commands need.
 void writeGithubReport(const CheckReport& report, std::ostream& out, bool quiet);
+
+/// `text` for XML or HTML text and quoted attributes: markup characters as entities, bytes
+/// that are not UTF-8 as U+FFFD, and control characters other than line break and tab
+/// spelt out ("\x1B"), as neither XML nor HTML may hold them.
+std::string markupEscaped(std::string_view text);
 
 /// JUnit XML: one test suite per locale and one for the shared files, one test case per
 /// field, a failure for each finding at `failOn` or more urgent; less urgent findings go
