@@ -77,31 +77,34 @@ const ListingText& StoreListing::source(const ListingEntity& entity, ListingFiel
   return locale->text(field);
 }
 
+std::optional<ListingEdit> StoreListing::plannedFix(const ListingEntity& entity, ListingField field) const {
+  const std::string& before = entity.text(field);
+  auto after = entity.rules().autoFixed(field, before);
+  if (!after) return std::nullopt;
+  std::string action;
+  for (const auto& finding : entity.fieldFindings(field)) {
+    if (!finding.fixedText || !finding.verdict.actionGuidance) continue;
+    const auto& title = finding.verdict.actionGuidance->primaryAction.title;
+    if (action.find(title) != std::string::npos) continue;
+    action += action.empty() ? title : ", " + lowercased(title.substr(0, 1)) + title.substr(1);
+  }
+  const auto& text = source(entity, field);
+  return ListingEdit{.scope = entity.scope(),
+                     .field = field,
+                     .file = entity.file(field),
+                     .path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path,
+                     .action = action.empty() ? "Tidy" : action,
+                     .before = before,
+                     .after = *after,
+                     .charactersBefore = charactersOf(before),
+                     .charactersAfter = charactersOf(*after)};
+}
+
 std::vector<ListingEdit> StoreListing::plannedFixes() const {
   std::vector<ListingEdit> edits;
   auto plan = [&](const ListingEntity& entity) {
     for (const auto field : entity.fields()) {
-      const std::string& before = entity.text(field);
-      auto after = entity.rules().autoFixed(field, before);
-      if (!after) continue;
-      std::string action;
-      for (const auto& finding : entity.fieldFindings(field)) {
-        if (!finding.fixedText || !finding.verdict.actionGuidance) continue;
-        const auto& title = finding.verdict.actionGuidance->primaryAction.title;
-        if (action.find(title) != std::string::npos) continue;
-        action += action.empty() ? title : ", " + lowercased(title.substr(0, 1)) + title.substr(1);
-      }
-      const auto& text = source(entity, field);
-      edits.push_back(
-          ListingEdit{.scope = entity.scope(),
-                      .field = field,
-                      .file = entity.file(field),
-                      .path = text.source == TextSource::none ? folder_.root / entity.file(field) : text.path,
-                      .action = action.empty() ? "Tidy" : action,
-                      .before = before,
-                      .after = *after,
-                      .charactersBefore = charactersOf(before),
-                      .charactersAfter = charactersOf(*after)});
+      if (auto edit = plannedFix(entity, field)) edits.push_back(std::move(*edit));
     }
   };
   for (const auto& locale : locales_) plan(*locale);
@@ -212,6 +215,13 @@ void StoreListing::discardChanges() {
   tracker_->discardAll();
 }
 
+std::string StoreListing::checklistId(const ListingEntity& entity, ListingField field) const {
+  // A changelog is named after its version code, which only the file read knows.
+  if (&entity == shared_.get()) return std::string(fieldFile(field));
+  if (field == ListingField::changelog) return entity.file(field);
+  return entity.scope() + "/" + std::string(fieldFile(field));
+}
+
 std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
                                                     const std::vector<ListingFinding>& findings) const {
   std::vector<CompletionItem> items;
@@ -247,11 +257,7 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
     if (!isSharedEntity && source(entity, field).source == TextSource::defaults && !empty) {
       description += " (from default/)";
     }
-    // A changelog is named after its version code, which only the file read knows.
-    std::string id = isSharedEntity                     ? std::string(fieldFile(field))
-                     : field == ListingField::changelog ? entity.file(field)
-                                                        : entity.scope() + "/" + std::string(fieldFile(field));
-    items.emplace_back(std::move(id), about.label, std::move(description), std::move(status), priority,
+    items.emplace_back(checklistId(entity, field), about.label, std::move(description), std::move(status), priority,
                        isSharedEntity ? std::string("Shared") : entity.scope());
   }
   // A folder the store would refuse holds up the submission as a field does.

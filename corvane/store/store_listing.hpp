@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,10 @@ class StoreListing {
   /// The auto-fixes the current texts offer, locales in order, then the shared files.
   std::vector<ListingEdit> plannedFixes() const;
 
+  /// The auto-fix `entity`'s current text of `field` offers; nothing when it needs none.
+  /// `entity` is one of this listing's.
+  std::optional<ListingEdit> plannedFix(const ListingEntity& entity, ListingField field) const;
+
   /// Makes `edit` (an unsaved change of its entity). Throws `std::invalid_argument` when its
   /// scope is neither "shared" nor a locale of this listing.
   void apply(const ListingEdit& edit);
@@ -105,6 +110,9 @@ class StoreListing {
   /// optional when empty, completed otherwise. Ids are "<locale>/<file>" or the shared
   /// file's path; the category is the locale or "Shared".
   std::vector<CompletionItem> checklist(const ListingEntity& entity, const std::vector<ListingFinding>& findings) const;
+
+  /// The id `checklist` gives the item of `entity`'s `field`.
+  std::string checklistId(const ListingEntity& entity, ListingField field) const;
 
  private:
   const ListingText& source(const ListingEntity& entity, ListingField field) const;

@@ -2,7 +2,7 @@
 
 #include "demo/app/new_change_tracking_demo_model.hpp"
 #include "demo/app/tracked_validation_dsl_demo_model.hpp"
-#include "demo/flow_layout/flow_layout_item.hpp"
+#include "ui/qt/flow_layout_item.hpp"
 
 #include <QtCore/QCoreApplication>
 #include <QtQml/QQmlContext>
@@ -23,7 +23,7 @@ std::unique_ptr<QObject> makeModel(const QString& name) {
 
 void registerTypes() {
   static std::once_flag once;
-  std::call_once(once, [] { qmlRegisterType<FlowLayoutItem>("Corvane.Demo", 1, 0, "FlowLayout"); });
+  std::call_once(once, [] { qmlRegisterType<ui::FlowLayoutItem>("Corvane.Demo", 1, 0, "FlowLayout"); });
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "demo/app/symbol_glyphs.hpp"
+#include "ui/qt/symbol_glyphs.hpp"
 
 #include <QtCore/QObject>
 #include <QtCore/QString>
@@ -38,7 +38,7 @@ class DemoScreen final {
 
  private:
   std::unique_ptr<QObject> model_;
-  SymbolGlyphs symbols_;
+  ui::SymbolGlyphs symbols_;
   QQuickView view_;  // last, so the scene goes before what it refers to
 };
 

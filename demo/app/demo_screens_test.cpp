@@ -5,9 +5,9 @@
 #include "corvane/testing/captured_lines.hpp"
 #include "demo/app/demo_screen.hpp"
 #include "demo/app/new_change_tracking_demo_model.hpp"
-#include "demo/app/observation_bridge.hpp"
-#include "demo/app/qt_execution_context.hpp"
-#include "demo/app/symbol_glyphs.hpp"
+#include "ui/qt/observation_bridge.hpp"
+#include "ui/qt/qt_execution_context.hpp"
+#include "ui/qt/symbol_glyphs.hpp"
 #include "demo/app/tracked_validation_dsl_demo_model.hpp"
 
 #include <QtCore/QThread>
@@ -44,7 +44,7 @@ class HeadlessApplication : public ::testing::Environment {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
     application_ = std::make_unique<QGuiApplication>(argc_, argv_);
-    context_ = std::make_unique<QtExecutionContext>();
+    context_ = std::make_unique<ui::QtExecutionContext>();
     setMainExecutor(context_->get_executor());
   }
 
@@ -59,7 +59,7 @@ class HeadlessApplication : public ::testing::Environment {
   char name_[32] = "corvane_demo_screens_tests";
   char* argv_[2] = {name_, nullptr};
   std::unique_ptr<QGuiApplication> application_;
-  std::unique_ptr<QtExecutionContext> context_;
+  std::unique_ptr<ui::QtExecutionContext> context_;
 };
 
 [[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new HeadlessApplication);
@@ -92,12 +92,12 @@ TEST(QtMainExecutor, ResumesATimerAwaitingCoroutineOnTheLoopThread) {
 TEST(ObservationBridgeSignals, OneChangedPerBurstOfWritesOnceTheLoopRuns) {
   ShowcaseAppEntity entity;
   int reads = 0;
-  ObservationBridge bridge([&] {
+  ui::ObservationBridge bridge([&] {
     ++reads;
     (void)entity.appName();
   });
   int changes = 0;
-  QObject::connect(&bridge, &ObservationBridge::changed, [&] { ++changes; });
+  QObject::connect(&bridge, &ui::ObservationBridge::changed, [&] { ++changes; });
   EXPECT_EQ(reads, 1);
 
   entity.setAppName("C");
@@ -179,7 +179,7 @@ TEST_F(ShowcaseScreen, AppearingRegistersTheAppEntityAndReadsNoChanges) {
   EXPECT_EQ(value("entitiesRow"), "1 registered, 0 with changes");
   EXPECT_EQ(value("validationRow"), "1 error(s)");  // the empty app name
   EXPECT_EQ(model().canSubmitSymbol(), "clock");
-  EXPECT_EQ(value("canSubmitRow"), SymbolGlyphs::glyphFor("clock"));
+  EXPECT_EQ(value("canSubmitRow"), ui::SymbolGlyphs::glyphFor("clock"));
   EXPECT_THAT(lines_.lines(),
               ElementsAre("🎯 Simple demo initialized!", "✨ First principles: Just what we need, nothing more"));
 }
@@ -188,20 +188,20 @@ TEST_F(ShowcaseScreen, TypingAnAppNameUpdatesSymbolAndStatus) {
   type("appNameField", "C");
   ASSERT_TRUE(eventually([&] { return value("changesRow") == "Showcase App Entity has changes"; }));
   EXPECT_EQ(model().appNameSymbol(), "exclamationmark.circle.fill");
-  EXPECT_EQ(text("appNameSymbol"), SymbolGlyphs::glyphFor("exclamationmark.circle.fill"));
+  EXPECT_EQ(text("appNameSymbol"), ui::SymbolGlyphs::glyphFor("exclamationmark.circle.fill"));
   EXPECT_EQ(value("validationRow"), "1 error(s)");
 
   type("appNameField", "orvane");
   ASSERT_TRUE(eventually([&] { return value("validationRow") == "0 error(s)"; }));
   EXPECT_EQ(model().appName(), "Corvane");
   EXPECT_EQ(model().appNameSymbol(), "checkmark.circle.fill");
-  EXPECT_EQ(text("appNameSymbol"), SymbolGlyphs::glyphFor("checkmark.circle.fill"));
+  EXPECT_EQ(text("appNameSymbol"), ui::SymbolGlyphs::glyphFor("checkmark.circle.fill"));
   EXPECT_EQ(value("entitiesRow"), "1 registered, 1 with changes");
   EXPECT_EQ(model().canSubmitSymbol(), "checkmark.circle.fill");
 
   type("versionField", ".");
   ASSERT_TRUE(eventually([&] { return model().versionSymbol() == "exclamationmark.circle.fill"; }));
-  EXPECT_EQ(text("versionSymbol"), SymbolGlyphs::glyphFor("exclamationmark.circle.fill"));
+  EXPECT_EQ(text("versionSymbol"), ui::SymbolGlyphs::glyphFor("exclamationmark.circle.fill"));
   EXPECT_EQ(model().subtitleSymbol(), "checkmark.circle.fill");
 }
 

@@ -5,7 +5,7 @@
 #include "corvane/support/main_executor.hpp"
 #include "demo/app/demo_screen.hpp"
 #include "demo/app/new_change_tracking_demo_model.hpp"
-#include "demo/app/qt_execution_context.hpp"
+#include "ui/qt/qt_execution_context.hpp"
 #include "demo/app/tracked_validation_dsl_demo_model.hpp"
 
 #include <QtCore/QCoreApplication>
@@ -69,7 +69,7 @@ int main(int argc, char** argv) {
   QGuiApplication app(argc, argv);
   int status = 0;
   {
-    corvane::demo::QtExecutionContext context;
+    corvane::ui::QtExecutionContext context;
     corvane::setMainExecutor(context.get_executor());
     try {
       corvane::demo::DemoScreen screen(options.screen);

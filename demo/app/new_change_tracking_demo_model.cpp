@@ -5,7 +5,7 @@
 #include "corvane/support/precondition.hpp"
 #include "corvane/support/print_line.hpp"
 #include "corvane/tracking/change_tracking_error.hpp"
-#include "demo/app/observation_bridge.hpp"
+#include "ui/qt/observation_bridge.hpp"
 
 #include <fmt/format.h>
 #include <boost/asio/co_spawn.hpp>
@@ -43,8 +43,8 @@ NewChangeTrackingDemoModel::NewChangeTrackingDemoModel(QObject* parent)
           UnifiedChangeTracker::Configuration{.maxEntities = 10000, .enableLogging = false})),
       appEntity_(std::make_shared<ShowcaseAppEntity>()),
       userEntity_(std::make_shared<ShowcaseUserEntity>()),
-      bridge_(new ObservationBridge([this] { readAll(); }, this)) {
-  connect(bridge_, &ObservationBridge::changed, this, &NewChangeTrackingDemoModel::changed);
+      bridge_(new ui::ObservationBridge([this] { readAll(); }, this)) {
+  connect(bridge_, &ui::ObservationBridge::changed, this, &NewChangeTrackingDemoModel::changed);
 }
 
 NewChangeTrackingDemoModel::~NewChangeTrackingDemoModel() = default;

@@ -10,9 +10,11 @@
 
 #include <memory>
 
-namespace corvane::demo {
-
+namespace corvane::ui {
 class ObservationBridge;
+}
+
+namespace corvane::demo {
 
 /// The state and actions of the showcase screen: an app and a user entity under one
 /// change tracker, the live status of the tracker and the shared validation cache's
@@ -121,7 +123,7 @@ class NewChangeTrackingDemoModel final : public QObject {
   std::shared_ptr<ShowcaseAppEntity> appEntity_;
   std::shared_ptr<ShowcaseUserEntity> userEntity_;
   QString keywordInput_;
-  ObservationBridge* bridge_;
+  ui::ObservationBridge* bridge_;
 };
 
 }  // namespace corvane::demo

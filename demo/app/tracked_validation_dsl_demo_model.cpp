@@ -2,7 +2,7 @@
 
 #include "corvane/results/business_impact.hpp"
 #include "corvane/results/validation_result.hpp"
-#include "demo/app/observation_bridge.hpp"
+#include "ui/qt/observation_bridge.hpp"
 
 namespace corvane::demo {
 namespace {
@@ -26,8 +26,8 @@ QVariantMap toMap(const ValidationResult& result) {
 TrackedValidationDSLDemoModel::TrackedValidationDSLDemoModel(QObject* parent)
     : QObject(parent),
       entity_(std::make_shared<AppEssentialsWithDSL>()),
-      bridge_(new ObservationBridge([this] { readAll(); }, this)) {
-  connect(bridge_, &ObservationBridge::changed, this, &TrackedValidationDSLDemoModel::changed);
+      bridge_(new ui::ObservationBridge([this] { readAll(); }, this)) {
+  connect(bridge_, &ui::ObservationBridge::changed, this, &TrackedValidationDSLDemoModel::changed);
 }
 
 TrackedValidationDSLDemoModel::~TrackedValidationDSLDemoModel() = default;

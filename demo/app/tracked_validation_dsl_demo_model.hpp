@@ -8,9 +8,11 @@
 
 #include <memory>
 
-namespace corvane::demo {
-
+namespace corvane::ui {
 class ObservationBridge;
+}
+
+namespace corvane::demo {
 
 /// The state of the rule-language screen: one `AppEssentialsWithDSL` entity whose five
 /// fields are edited beside their live verdicts. A verdict reaches QML as a map with
@@ -71,7 +73,7 @@ class TrackedValidationDSLDemoModel final : public QObject {
   void readAll() const;
 
   std::shared_ptr<AppEssentialsWithDSL> entity_;
-  ObservationBridge* bridge_;
+  ui::ObservationBridge* bridge_;
 };
 
 }  // namespace corvane::demo

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "demo/flow_layout/flow_layout.hpp"
+#include "ui/flow_layout/flow_layout.hpp"
 
 #include <QtQuick/QQuickItem>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 /// The flow layout as a Qt Quick item (`FlowLayout` in QML): its visible children keep
 /// their implicit sizes and wrap into rows within the item's width. Its implicit height is
@@ -37,4 +37,4 @@ class FlowLayoutItem : public QQuickItem {
   qreal spacing_ = 8;
 };
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

@@ -1,8 +1,8 @@
-#include "demo/app/qt_execution_context.hpp"
+#include "ui/qt/qt_execution_context.hpp"
 
 #include <QtCore/QMetaObject>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 static_assert(boost::asio::execution::is_executor_v<QtExecutionContext::executor_type>);
 
@@ -20,4 +20,4 @@ void QtExecutionContext::post(std::function<void()> work) {
   QMetaObject::invokeMethod(receiver_.get(), std::move(work), Qt::QueuedConnection);
 }
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

@@ -10,7 +10,7 @@
 #include <type_traits>
 #include <utility>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 /// An Asio execution context whose work runs on the Qt event loop of the thread that
 /// created it, so that coroutines spawned on it (and `corvane::mainExecutor()` once it is
@@ -61,4 +61,4 @@ class QtExecutionContext final : public boost::asio::execution_context {
   std::unique_ptr<QObject> receiver_;
 };
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

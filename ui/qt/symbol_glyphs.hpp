@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 /// Draws the library's named symbols ("checkmark.circle.fill", ...) as font glyphs, so the
 /// view models can keep the names and the screens show something for each.
@@ -22,4 +22,4 @@ class SymbolGlyphs final : public QObject {
   static QString glyphFor(std::string_view name);
 };
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

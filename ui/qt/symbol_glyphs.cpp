@@ -1,9 +1,9 @@
-#include "demo/app/symbol_glyphs.hpp"
+#include "ui/qt/symbol_glyphs.hpp"
 
 #include <array>
 #include <utility>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 QString SymbolGlyphs::glyph(const QString& name) const {
   return glyphFor(name.toStdString());
@@ -35,4 +35,4 @@ QString SymbolGlyphs::glyphFor(std::string_view name) {
   return QStringLiteral("•");
 }
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

@@ -3,7 +3,7 @@
 #include <optional>
 #include <vector>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 /// A width and a height in the toolkit's points.
 struct Size {
@@ -60,4 +60,4 @@ class FlowLayout {
   double spacing_;
 };
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

@@ -1,11 +1,11 @@
-#include "demo/flow_layout/flow_layout.hpp"
+#include "ui/flow_layout/flow_layout.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <ostream>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 void PrintTo(const Size& size, std::ostream* out) {
   *out << "(" << size.width << " x " << size.height << ")";
@@ -86,4 +86,4 @@ TEST(FlowLayoutPlacement, FramesAreOffsetByTheBoundsOriginButFilledAgainstThePro
 }
 
 }  // namespace
-}  // namespace corvane::demo
+}  // namespace corvane::ui

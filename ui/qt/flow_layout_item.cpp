@@ -1,9 +1,9 @@
-#include "demo/flow_layout/flow_layout_item.hpp"
+#include "ui/qt/flow_layout_item.hpp"
 
 #include <optional>
 #include <vector>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 FlowLayoutItem::FlowLayoutItem(QQuickItem* parent) : QQuickItem(parent) {
   // Layout happens in the polish phase, once per frame however many changes came in.
@@ -65,4 +65,4 @@ void FlowLayoutItem::updatePolish() {
   setImplicitSize(size.width, size.height);
 }
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

@@ -1,4 +1,4 @@
-#include "demo/app/observation_bridge.hpp"
+#include "ui/qt/observation_bridge.hpp"
 
 #include "corvane/observation/observation_tracking.hpp"
 
@@ -6,7 +6,7 @@
 
 #include <mutex>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 // What a pending change handler holds: the bridge may be gone by the time a write fires
 // it, and writes may come from another thread (the cache's counters).
@@ -46,4 +46,4 @@ void ObservationBridge::refresh() {
   Q_EMIT changed();
 }
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

@@ -1,8 +1,8 @@
-#include "demo/flow_layout/flow_layout.hpp"
+#include "ui/flow_layout/flow_layout.hpp"
 
 #include <algorithm>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 FlowLayout::Arrangement FlowLayout::arrange(double maxWidth, const std::vector<Size>& children) const {
   Arrangement result;
@@ -39,4 +39,4 @@ std::vector<Frame> FlowLayout::placeSubviews(double boundsMinX, double boundsMin
   return frames;
 }
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui

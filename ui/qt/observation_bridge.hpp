@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-namespace corvane::demo {
+namespace corvane::ui {
 
 /// Turns the library's observation into a Qt signal: it runs `read` (everything a view
 /// shows) under `withObservationTracking` and emits `changed()` on the event loop after
@@ -33,4 +33,4 @@ class ObservationBridge final : public QObject {
   std::shared_ptr<Link> link_;
 };
 
-}  // namespace corvane::demo
+}  // namespace corvane::ui
