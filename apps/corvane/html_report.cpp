@@ -39,20 +39,6 @@ std::string_view levelClass(RuleLevel level) {
   return {};
 }
 
-std::string_view levelWords(RuleLevel level) {
-  switch (level) {
-    case RuleLevel::blocker:
-      return "Blocker";
-    case RuleLevel::rejectionRisk:
-      return "Rejection risk";
-    case RuleLevel::optimization:
-      return "Optimization";
-    case RuleLevel::opportunity:
-      return "Opportunity";
-  }
-  return {};
-}
-
 std::string_view levelPlural(RuleLevel level) {
   switch (level) {
     case RuleLevel::blocker:
@@ -155,7 +141,7 @@ details summary { cursor: pointer; color: var(--optimization); }
 void writeFinding(const ListingFinding& finding, std::ostream& out) {
   const auto& verdict = finding.verdict;
   out << "<li class=\"finding " << levelClass(finding.level) << "\" data-rule=\"" << markupEscaped(finding.rule) << "\">\n"
-      << "<p class=\"message\"><span class=\"badge\">" << levelWords(finding.level) << "</span>"
+      << "<p class=\"message\"><span class=\"badge\">" << store::levelTitle(finding.level) << "</span>"
       << markupEscaped(verdict.message) << "</p>\n";
   if (verdict.businessReason) {
     out << "<p class=\"why\"><span class=\"label\">Why it matters:</span> " << markupEscaped(*verdict.businessReason)
@@ -267,7 +253,7 @@ std::string sectionCounts(const LocaleReport& section) {
   std::vector<std::string> parts;
   for (const auto level : kRuleLevels) {
     const auto count = std::ranges::count(section.findings, level, &ListingFinding::level);
-    if (count > 0) parts.push_back(fmt::format("{} {}", count, count == 1 ? levelWords(level) : levelPlural(level)));
+    if (count > 0) parts.push_back(fmt::format("{} {}", count, count == 1 ? store::levelTitle(level) : levelPlural(level)));
   }
   if (parts.empty()) return "no findings";
   std::string result = parts.front();
@@ -335,7 +321,7 @@ void writeBanner(const CheckReport& report, std::ostream& out) {
     const auto count = report.count(level);
     out << "<li class=\"" << levelClass(level) << (count == 0 ? " none" : "") << "\" data-level=\""
         << store::levelName(level) << "\"><span class=\"number\">" << count << "</span>"
-        << (count == 1 ? levelWords(level) : levelPlural(level)) << "</li>\n";
+        << (count == 1 ? store::levelTitle(level) : levelPlural(level)) << "</li>\n";
   }
   out << "</ul>\n<p>Checklist: " << report.progress.completedItems << " of " << report.progress.totalItems
       << " items done, " << markupEscaped(completionSummary(report)) << ".";

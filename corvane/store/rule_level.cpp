@@ -16,6 +16,20 @@ std::string_view levelName(RuleLevel level) noexcept {
   return {};
 }
 
+std::string_view levelTitle(RuleLevel level) noexcept {
+  switch (level) {
+    case RuleLevel::blocker:
+      return "Blocker";
+    case RuleLevel::rejectionRisk:
+      return "Rejection risk";
+    case RuleLevel::optimization:
+      return "Optimization";
+    case RuleLevel::opportunity:
+      return "Opportunity";
+  }
+  return {};
+}
+
 std::optional<RuleLevel> parseRuleLevel(std::string_view name) noexcept {
   for (const auto level : kRuleLevels) {
     if (levelName(level) == name) return level;

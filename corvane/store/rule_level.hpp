@@ -21,6 +21,9 @@ inline constexpr std::array<RuleLevel, 4> kRuleLevels = {RuleLevel::blocker, Rul
 /// "rejection-risk", "optimization" or "opportunity".
 std::string_view levelName(RuleLevel level) noexcept;
 
+/// The level as people read it: "Blocker", "Rejection risk", "Optimization" or "Opportunity".
+std::string_view levelTitle(RuleLevel level) noexcept;
+
 /// The level named `name` (as `levelName` writes it); nothing for any other text.
 std::optional<RuleLevel> parseRuleLevel(std::string_view name) noexcept;
 

@@ -1,10 +1,11 @@
-# Runs corvane-demo --screenshot and fails unless it leaves a PNG of some substance.
+# Runs COMMAND (a list: the program and its arguments, which write a screenshot to OUTPUT)
+# and fails unless it leaves a PNG of some substance at OUTPUT.
 file(REMOVE ${OUTPUT})
 get_filename_component(directory ${OUTPUT} DIRECTORY)
 file(MAKE_DIRECTORY ${directory})
-execute_process(COMMAND ${DEMO} --screen ${SCREEN} --sample --screenshot ${OUTPUT} RESULT_VARIABLE status)
+execute_process(COMMAND ${COMMAND} RESULT_VARIABLE status)
 if(NOT status EQUAL 0)
-  message(FATAL_ERROR "corvane-demo exited with ${status}")
+  message(FATAL_ERROR "${COMMAND} exited with ${status}")
 endif()
 if(NOT EXISTS ${OUTPUT})
   message(FATAL_ERROR "no screenshot at ${OUTPUT}")
