@@ -88,6 +88,7 @@
 #include "corvane/store/listing_finding.hpp"
 #include "corvane/store/listing_folder.hpp"
 #include "corvane/store/listing_rules.hpp"
+#include "corvane/store/listing_submission.hpp"
 #include "corvane/store/phrase_matcher.hpp"
 #include "corvane/store/rule_catalog.hpp"
 #include "corvane/store/rule_level.hpp"
