@@ -80,9 +80,11 @@
 #include "corvane/resources/corvane_resources.hpp"
 
 #include "corvane/store/closest_match.hpp"
+#include "corvane/store/conflict_error.hpp"
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/keyword_list.hpp"
 #include "corvane/store/listing_configuration.hpp"
+#include "corvane/store/listing_conflict.hpp"
 #include "corvane/store/listing_entity.hpp"
 #include "corvane/store/listing_field.hpp"
 #include "corvane/store/listing_finding.hpp"

@@ -74,11 +74,11 @@ CheckReport Checker::report() const {
     }
     std::ranges::stable_sort(findings, {}, &store::ListingFinding::level);
     std::vector<FieldText> texts;
-    const auto folder = std::ranges::find(listing_->folder().locales, entity.scope(), &store::LocaleFolder::locale);
     for (const auto field : entity.fields()) {
-      const auto& read = folder != listing_->folder().locales.end() ? folder->text(field)
-                                                                     : listing_->folder().sharedText(field);
-      texts.push_back(FieldText{.field = field, .file = entity.file(field), .text = entity.text(field), .source = read.source});
+      texts.push_back(FieldText{.field = field,
+                                .file = entity.file(field),
+                                .text = entity.text(field),
+                                .source = listing_->source(entity.scope(), field)});
     }
     return LocaleReport{.locale = std::move(name),
                         .findings = std::move(findings),
