@@ -424,6 +424,7 @@ TEST(ListingConflictTest, KeepDiskTextTakesTheFileAndKeepEditedTextOverwritesIt)
     const char* scope;
     ListingField field;
     std::string text;           // the field's text once settled
+    std::string saved;          // and its saved text
     bool unsaved;               // whether the edit is still to be written
     std::string file;           // the file that is written then ...
     std::optional<std::string> written;  // ... with these bytes; nothing: not written
@@ -431,19 +432,19 @@ TEST(ListingConflictTest, KeepDiskTextTakesTheFileAndKeepEditedTextOverwritesIt)
   const fs::path name = "en-US/name.txt";
   const Case cases[] = {
       {"disk text of an edited file", false, [](const fs::path& r) { writeFile(r / "en-US/name.txt", "Max\r\n"); },
-       "en-US", ListingField::name, "Max", false, "en-US/name.txt", "Max\r\n"},
+       "en-US", ListingField::name, "Max", "Max", false, "en-US/name.txt", "Max\r\n"},
       {"edited text over an edited file", true, [](const fs::path& r) { writeFile(r / "en-US/name.txt", "Max\r\n"); },
-       "en-US", ListingField::name, "Notes Pro", true, "en-US/name.txt", "Notes Pro\r\n"},
+       "en-US", ListingField::name, "Notes Pro", "Max", true, "en-US/name.txt", "Notes Pro\r\n"},
       {"disk text of a deleted file", false, [](const fs::path& r) { fs::remove(r / "en-US/name.txt"); }, "en-US",
-       ListingField::name, "Notes", false, "en-US/name.txt", std::nullopt},
+       ListingField::name, "Notes", "Notes", false, "en-US/name.txt", std::nullopt},
       {"edited text over a deleted file", true, [](const fs::path& r) { fs::remove(r / "en-US/name.txt"); },
-       "en-US", ListingField::name, "Notes Pro", true, "en-US/name.txt", std::string(kBom) + "Notes Pro\r\n"},
+       "en-US", ListingField::name, "Notes Pro", "", true, "en-US/name.txt", std::string(kBom) + "Notes Pro\r\n"},
       {"disk text of a file created for a detached field", false,
        [](const fs::path& r) { writeFile(r / "de-DE/description.txt", "Andere\n"); }, "de-DE",
-       ListingField::description, "Andere", false, "de-DE/description.txt", "Andere\n"},
+       ListingField::description, "Andere", "Andere", false, "de-DE/description.txt", "Andere\n"},
       {"edited text over a file created for a detached field", true,
        [](const fs::path& r) { writeFile(r / "de-DE/description.txt", "Andere\n"); }, "de-DE",
-       ListingField::description, "Deutsche Worte.", true, "de-DE/description.txt", "Deutsche Worte.\n"},
+       ListingField::description, "Deutsche Worte.", "Andere", true, "de-DE/description.txt", "Deutsche Worte.\n"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.what);
@@ -461,6 +462,7 @@ TEST(ListingConflictTest, KeepDiskTextTakesTheFileAndKeepEditedTextOverwritesIt)
     }
     const auto& property = listing.entity(c.scope)->property(c.field);
     EXPECT_EQ(property.wrappedValue(), c.text);
+    EXPECT_EQ(property.originalValue(), c.saved);
     EXPECT_EQ(property.hasChanged(), c.unsaved);
     EXPECT_EQ(listing.refreshFromDisk(), std::vector<ListingConflict>{}) << "settled";
     listing.writeChanges();
