@@ -423,10 +423,10 @@ TEST(ListingConflictTest, KeepDiskTextTakesTheFileAndKeepEditedTextOverwritesIt)
     std::function<void(const fs::path&)> change;
     const char* scope;
     ListingField field;
-    std::string text;           // the field's text once settled
-    std::string saved;          // and its saved text
-    bool unsaved;               // whether the edit is still to be written
-    std::string file;           // the file that is written then ...
+    std::string text;                    // the field's text once settled
+    std::string saved;                   // and its saved text
+    bool unsaved;                        // whether the edit is still to be written
+    std::string file;                    // the file that is written then ...
     std::optional<std::string> written;  // ... with these bytes; nothing: not written
   };
   const fs::path name = "en-US/name.txt";
@@ -437,8 +437,8 @@ TEST(ListingConflictTest, KeepDiskTextTakesTheFileAndKeepEditedTextOverwritesIt)
        "en-US", ListingField::name, "Notes Pro", "Max", true, "en-US/name.txt", "Notes Pro\r\n"},
       {"disk text of a deleted file", false, [](const fs::path& r) { fs::remove(r / "en-US/name.txt"); }, "en-US",
        ListingField::name, "Notes", "Notes", false, "en-US/name.txt", std::nullopt},
-      {"edited text over a deleted file", true, [](const fs::path& r) { fs::remove(r / "en-US/name.txt"); },
-       "en-US", ListingField::name, "Notes Pro", "", true, "en-US/name.txt", std::string(kBom) + "Notes Pro\r\n"},
+      {"edited text over a deleted file", true, [](const fs::path& r) { fs::remove(r / "en-US/name.txt"); }, "en-US",
+       ListingField::name, "Notes Pro", "", true, "en-US/name.txt", std::string(kBom) + "Notes Pro\r\n"},
       {"disk text of a file created for a detached field", false,
        [](const fs::path& r) { writeFile(r / "de-DE/description.txt", "Andere\n"); }, "de-DE",
        ListingField::description, "Andere", "Andere", false, "de-DE/description.txt", "Andere\n"},

@@ -7,7 +7,9 @@ namespace corvane::store {
 ListingSubmission::ListingSubmission(std::string name, std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers)
     : name_(std::move(name)), trackers_(std::move(trackers)) {}
 
-std::string ListingSubmission::entityId() const { return name_; }
+std::string ListingSubmission::entityId() const {
+  return name_;
+}
 
 bool ListingSubmission::hasUnsavedChanges() const {
   return std::ranges::any_of(trackers_, [](const auto& tracker) { return tracker->hasUnsavedChanges(); });

@@ -41,11 +41,14 @@ std::optional<std::string> readContents(const fs::path& path) {
     throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
   }
   struct stat info {};
-  if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
+  if (::fstat(fd, &info) != 0) {
     const int cause = errno;
     ::close(fd);
-    throw InputError(path.string() + (S_ISREG(info.st_mode) || cause != 0 ? ": cannot read: " + std::string(std::strerror(cause))
-                                                                          : std::string(": not a regular file")));
+    throw InputError(path.string() + ": cannot read: " + std::strerror(cause));
+  }
+  if (!S_ISREG(info.st_mode)) {
+    ::close(fd);
+    throw InputError(path.string() + ": not a regular file");
   }
   std::string contents;
   char buffer[65536];
@@ -82,8 +85,7 @@ void rebase(Tracked<std::string>& property, const std::string& saved) {
 // The file an entity names for a field read as `text`: a missing locale file is named
 // where it would be written.
 std::string entityFileOf(const std::string& scope, ListingField field, const ListingText& text) {
-  return text.source == TextSource::none && !isShared(field) ? scope + "/" + std::string(fieldFile(field))
-                                                             : text.file;
+  return text.source == TextSource::none && !isShared(field) ? scope + "/" + std::string(fieldFile(field)) : text.file;
 }
 
 // A locale's field without a file, as the reader leaves it (a changelog without any
@@ -120,8 +122,8 @@ struct StoreListing::FieldRef {
 struct StoreListing::Write {
   fs::path target;  // where the file really is: a link inside the folder is followed
   std::string contents;
-  std::string writer;                  // the path the field was read from, for messages
-  std::optional<Identity> identity;    // nothing for a file yet to be created
+  std::string writer;                // the path the field was read from, for messages
+  std::optional<Identity> identity;  // nothing for a file yet to be created
 };
 
 StoreListing::StoreListing(const fs::path& root, const StoreFacts& facts, ListingConfiguration configuration,
@@ -177,8 +179,8 @@ ListingEntity& StoreListing::require(std::string_view scope, ListingField field)
   ListingEntity* found = entity(scope);
   if (found == nullptr) throw std::invalid_argument("no locale '" + std::string(scope) + "' in this listing");
   if (!found->holds(field)) {
-    throw std::invalid_argument("the " + std::string(scope) + " listing has no field '" +
-                                std::string(fieldKey(field)) + "'");
+    throw std::invalid_argument("the " + std::string(scope) + " listing has no field '" + std::string(fieldKey(field)) +
+                                "'");
   }
   return *found;
 }
@@ -335,16 +337,15 @@ std::vector<ListingEdit> StoreListing::plannedFixes() const {
         if (action.find(title) != std::string::npos) continue;
         action += action.empty() ? title : ", " + lowercased(title.substr(0, 1)) + title.substr(1);
       }
-      edits.push_back(
-          ListingEdit{.scope = entity.scope(),
-                      .field = field,
-                      .file = entity.file(field),
-                      .path = targetOf(entity, field, false),
-                      .action = action.empty() ? "Tidy" : action,
-                      .before = before,
-                      .after = *after,
-                      .charactersBefore = charactersOf(before),
-                      .charactersAfter = charactersOf(*after)});
+      edits.push_back(ListingEdit{.scope = entity.scope(),
+                                  .field = field,
+                                  .file = entity.file(field),
+                                  .path = targetOf(entity, field, false),
+                                  .action = action.empty() ? "Tidy" : action,
+                                  .before = before,
+                                  .after = *after,
+                                  .charactersBefore = charactersOf(before),
+                                  .charactersAfter = charactersOf(*after)});
     }
   };
   for (const auto& locale : locales_) plan(*locale);
@@ -449,7 +450,8 @@ void StoreListing::write(const std::vector<FieldRef>& fields) {
   // effective ids and capabilities, which are the ones the write would meet.
   for (const auto& write : writes) {
     if (!write.identity || ::faccessat(AT_FDCWD, write.target.c_str(), W_OK, AT_EACCESS) == 0) continue;
-    if (errno == EACCES || errno == EPERM) throw InputError(write.writer + ": the file is read-only; nothing was written");
+    if (errno == EACCES || errno == EPERM)
+      throw InputError(write.writer + ": the file is read-only; nothing was written");
     throw InputError(write.writer + ": cannot be written (" + std::strerror(errno) + "); nothing was written");
   }
 
@@ -668,7 +670,8 @@ void StoreListing::keepEditedText(std::string_view scope, ListingField field) {
 }
 
 ListingEntity& StoreListing::addLocale(const std::string& code, std::optional<std::string_view> copyFrom) {
-  if (!facts_.isLocale(code) && std::ranges::find(configuration_.extraLocales, code) == configuration_.extraLocales.end()) {
+  if (!facts_.isLocale(code) &&
+      std::ranges::find(configuration_.extraLocales, code) == configuration_.extraLocales.end()) {
     std::string message = "'" + code + "' is not a locale code the store knows";
     if (const auto suggestion = facts_.closestLocale(code)) message += " (did you mean '" + *suggestion + "'?)";
     throw std::invalid_argument(message);
