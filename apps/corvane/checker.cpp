@@ -1,40 +1,20 @@
 #include "checker.hpp"
 
-#include "metadata_submission.hpp"
-
 #include "corvane/completion/aggregate_completion_guide.hpp"
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/listing_folder.hpp"
-#include "corvane/store/rule_catalog.hpp"
+#include "corvane/store/listing_submission.hpp"
 #include "corvane/store/store_facts.hpp"
 
 #include <algorithm>
 #include <chrono>
 
 namespace corvane::cli {
-namespace fs = std::filesystem;
 
 const store::StoreFacts& storeFactsFor(const CheckOptions& options) {
   if (options.store == "auto") return store::StoreFacts::of(store::detectStore(options.directory));
   if (const auto chosen = store::storeFromKey(options.store)) return store::StoreFacts::of(*chosen);
   throw store::InputError("'" + options.store + "' is not a store: choose appstore, play or auto");
-}
-
-store::ListingConfiguration loadConfiguration(const CheckOptions& options) {
-  return loadConfiguration(options, storeFactsFor(options));
-}
-
-store::ListingConfiguration loadConfiguration(const CheckOptions& options, const store::StoreFacts& facts) {
-  auto file = options.configFile;
-  std::error_code error;
-  if (!file && fs::is_regular_file(options.directory / ".corvane.toml", error)) {
-    file = options.directory / ".corvane.toml";
-  }
-  if (!file) return {};
-  const auto catalog = store::ruleCatalog(facts);
-  std::vector<std::string_view> rules;
-  for (const auto& rule : catalog) rules.push_back(rule.id);
-  return store::readListingConfiguration(*file, rules, facts.locales());
 }
 
 namespace {
@@ -49,7 +29,7 @@ int thisYear() {
 
 Checker::Checker(CheckOptions options) : options_(std::move(options)) {
   const auto& facts = storeFactsFor(options_);
-  auto configuration = loadConfiguration(options_, facts);
+  auto configuration = store::loadListingConfiguration(options_.directory, options_.configFile, facts);
   const store::RuleContext context{.firstVersion = options_.firstVersion,
                                    .currentYear = options_.currentYear.value_or(thisYear())};
   listing_ = std::make_unique<store::StoreListing>(options_.directory, facts, std::move(configuration), context);
@@ -94,11 +74,11 @@ CheckReport Checker::report() const {
     }
     std::ranges::stable_sort(findings, {}, &store::ListingFinding::level);
     std::vector<FieldText> texts;
-    const auto folder = std::ranges::find(listing_->folder().locales, entity.scope(), &store::LocaleFolder::locale);
     for (const auto field : entity.fields()) {
-      const auto& read = folder != listing_->folder().locales.end() ? folder->text(field)
-                                                                     : listing_->folder().sharedText(field);
-      texts.push_back(FieldText{.field = field, .file = entity.file(field), .text = entity.text(field), .source = read.source});
+      texts.push_back(FieldText{.field = field,
+                                .file = entity.file(field),
+                                .text = entity.text(field),
+                                .source = listing_->source(entity.scope(), field)});
     }
     return LocaleReport{.locale = std::move(name),
                         .findings = std::move(findings),
@@ -108,7 +88,7 @@ CheckReport Checker::report() const {
   for (const auto& locale : listing_->locales()) report.locales.push_back(fileReport(*locale, locale->scope()));
   report.shared = fileReport(listing_->shared(), "shared");
   auto guide = AggregateCompletionGuide::create();
-  guide->add(std::move(checklist), MetadataSubmission(options_.directory.string(), {listing_->tracker()}));
+  guide->add(std::move(checklist), store::ListingSubmission(options_.directory.string(), {listing_->tracker()}));
   report.progress = guide->completionProgress();
   report.canComplete = guide->canComplete();
   report.nextAction = guide->nextActionItem();

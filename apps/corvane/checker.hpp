@@ -37,14 +37,6 @@ struct CheckOptions {
 /// `store::InputError` for any other value.
 const store::StoreFacts& storeFactsFor(const CheckOptions& options);
 
-/// The configuration `options` name: the given file, else the folder's `.corvane.toml`,
-/// else the defaults; its rules and locales are checked against `facts`' store. Throws
-/// `store::ConfigurationError`.
-store::ListingConfiguration loadConfiguration(const CheckOptions& options, const store::StoreFacts& facts);
-
-/// `loadConfiguration(options, storeFactsFor(options))`.
-store::ListingConfiguration loadConfiguration(const CheckOptions& options);
-
 /// One run of the checker over a metadata folder: reads it into a `store::StoreListing`,
 /// applies auto-fixes on request and builds the report.
 class Checker {

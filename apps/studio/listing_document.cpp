@@ -313,8 +313,9 @@ bool ListingDocument::write(bool everything) {
     if (everything) {
       files = listing_->pendingWrites().size();
       listing_->writeChanges();
-    } else {
-      files = listing_->pendingWrites(scopes).size();
+    } else if (const auto* entity = currentEntity()) {
+      files = static_cast<std::size_t>(std::ranges::count_if(
+          entity->fields(), [&](ListingField field) { return entity->property(field).hasChanged(); }));
       listing_->writeChanges(scopes);
     }
   } catch (const store::ConflictError& error) {

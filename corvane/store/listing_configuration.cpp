@@ -13,6 +13,8 @@
 #include <toml++/toml.h>
 
 #include "corvane/store/closest_match.hpp"
+#include "corvane/store/rule_catalog.hpp"
+#include "corvane/store/store_facts.hpp"
 #include "corvane/text/characters.hpp"
 
 namespace corvane::store {
@@ -378,6 +380,20 @@ ListingConfiguration readListingConfiguration(const std::filesystem::path& file,
   ListingConfiguration configuration = reader.read(root);
   reader.throwFirstProblem();
   return configuration;
+}
+
+ListingConfiguration loadListingConfiguration(const std::filesystem::path& root,
+                                              const std::optional<std::filesystem::path>& file,
+                                              const StoreFacts& facts) {
+  auto chosen = file;
+  std::error_code error;
+  if (!chosen && std::filesystem::is_regular_file(root / ".corvane.toml", error)) chosen = root / ".corvane.toml";
+  if (!chosen) return {};
+  const auto catalog = ruleCatalog(facts);
+  std::vector<std::string_view> rules;
+  rules.reserve(catalog.size());
+  for (const auto& rule : catalog) rules.push_back(rule.id);
+  return readListingConfiguration(*chosen, rules, facts.locales());
 }
 
 }  // namespace corvane::store

@@ -15,6 +15,8 @@
 
 namespace corvane::store {
 
+class StoreFacts;
+
 // A team's configuration file, usually `.corvane.toml` in the metadata folder, is TOML:
 //
 //   first-version = true            # optional boolean: this is the app's first version, so
@@ -127,5 +129,13 @@ class ConfigurationError : public std::runtime_error {
 ListingConfiguration readListingConfiguration(const std::filesystem::path& file,
                                               std::span<const std::string_view> knownRules,
                                               std::span<const std::string> knownLocales);
+
+/// The configuration a listing at `root` follows: the given `file`, else `root/.corvane.toml`
+/// when there is one, else the built-in default. Its rules are checked against `facts`' rule
+/// catalog and its locales against `facts`' locale codes (see `readListingConfiguration`).
+/// Throws ConfigurationError; only reads.
+ListingConfiguration loadListingConfiguration(const std::filesystem::path& root,
+                                              const std::optional<std::filesystem::path>& file,
+                                              const StoreFacts& facts);
 
 }  // namespace corvane::store

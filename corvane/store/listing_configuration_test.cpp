@@ -1,5 +1,7 @@
 #include "corvane/store/listing_configuration.hpp"
 
+#include "corvane/store/store_facts.hpp"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
@@ -228,6 +230,52 @@ TEST_F(ListingConfigurationTest, ReportsFilesThatCannotBeRead) {
       EXPECT_EQ(error.what(), file.string() + ": " + message);
       EXPECT_EQ(error.line(), 0u);
       EXPECT_EQ(error.key(), "");
+    }
+  }
+}
+
+// The lookup the checker and an editor share: which file, and checked against which store.
+TEST_F(ListingConfigurationTest, LoadsTheGivenFileElseTheFoldersOwnElseTheDefault) {
+  static const StoreFacts appStore = StoreFacts::load(CORVANE_STORE_RESOURCES, StoreId::appStore);
+  static const StoreFacts play = StoreFacts::load(CORVANE_STORE_RESOURCES, StoreId::googlePlay);
+  const fs::path withOwn = folder_ / "with-own";
+  const fs::path withoutOwn = folder_ / "without-own";
+  fs::create_directories(withOwn);
+  fs::create_directories(withoutOwn);
+  const fs::path own = write("first-version = true\n", "with-own/.corvane.toml");
+  const fs::path given = write("extra-locales = [\"en-IN\"]\n", "given.toml");
+  const fs::path playRule = write("[rules]\n\"title.claim\" = \"off\"\n", "play-rule.toml");
+  const fs::path playLocale = write("[locales.ja-JP.rules]\n\"title.claim\" = \"off\"\n", "play-locale.toml");
+
+  struct Case {
+    std::string_view what;
+    fs::path root;
+    std::optional<fs::path> file;
+    const StoreFacts* facts;
+    std::optional<fs::path> source;  // the file read; nothing for the default
+    std::string error;               // the start of the ConfigurationError's message, if any
+  };
+  const Case cases[] = {
+      {"the given file wins over the folder's", withOwn, given, &appStore, given, ""},
+      {"the folder's own file", withOwn, std::nullopt, &appStore, own, ""},
+      {"neither: the default", withoutOwn, std::nullopt, &appStore, std::nullopt, ""},
+      {"a Play rule for Play", withoutOwn, playRule, &play, playRule, ""},
+      {"a Play rule for the App Store", withoutOwn, playRule, &appStore, std::nullopt, playRule.string() + ":2:"},
+      {"a Play locale for Play", withoutOwn, playLocale, &play, playLocale, ""},
+      {"a Play locale for the App Store", withoutOwn, playLocale, &appStore, std::nullopt, playLocale.string() + ":1:"},
+      {"a missing given file", withOwn, folder_ / "none.toml", &appStore, std::nullopt,
+       (folder_ / "none.toml").string() + ": cannot read"},
+  };
+  for (const auto& [what, root, file, facts, source, error] : cases) {
+    SCOPED_TRACE(what);
+    try {
+      const auto configuration = loadListingConfiguration(root, file, *facts);
+      EXPECT_EQ(error, "") << "no error";
+      EXPECT_EQ(configuration.source, source);
+      // Read, not only found: the folder's own file is the one that says first-version.
+      EXPECT_EQ(configuration.firstVersion, source == own ? std::optional(true) : std::nullopt);
+    } catch (const ConfigurationError& thrown) {
+      EXPECT_THAT(thrown.what(), StartsWith(error.empty() ? "(no error expected)" : error));
     }
   }
 }

@@ -213,7 +213,8 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   if (error) throw InputError(root.string() + ": cannot open folder: " + error.message());
   Reader reader(canonicalRoot);
 
-  ListingFolder listing{.root = root, .locales = {}, .unknownLocales = {}, .shared = {}, .bytesRead = 0};
+  ListingFolder listing{
+      .root = root, .locales = {}, .unknownLocales = {}, .defaults = {}, .shared = {}, .bytesRead = 0};
   struct LocaleEntry {
     std::string name;
     bool isLink;  // reached through a symbolic link (checked: it stays inside the root)
@@ -269,6 +270,7 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
     }
     listing.locales.push_back(std::move(locale));
   }
+  listing.defaults = std::move(defaults);
 
   const bool reviewIsLink = !facts.sharedFields().empty() && reader.checkLink(root / "review_information");
   const FileHandle rootFolder = reader.openFolder(root);

@@ -68,6 +68,8 @@ struct ListingFolder {
   std::vector<LocaleFolder> locales;
   /// Folders named like locales that the store does not know, sorted by name.
   std::vector<UnknownLocaleFolder> unknownLocales;
+  /// `default/`'s own texts, when the store's layout has the folder and it exists.
+  std::optional<LocaleFolder> defaults;
   /// The shared texts, indexed by `fieldIndex`; only the store's shared fields are read.
   std::array<ListingText, kFieldCount> shared;
   /// The total size of the files read.

@@ -1,19 +1,21 @@
-#include "metadata_submission.hpp"
+#include "corvane/store/listing_submission.hpp"
 
 #include <algorithm>
 
-namespace corvane::cli {
+namespace corvane::store {
 
-MetadataSubmission::MetadataSubmission(std::string name, std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers)
+ListingSubmission::ListingSubmission(std::string name, std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers)
     : name_(std::move(name)), trackers_(std::move(trackers)) {}
 
-std::string MetadataSubmission::entityId() const { return name_; }
+std::string ListingSubmission::entityId() const {
+  return name_;
+}
 
-bool MetadataSubmission::hasUnsavedChanges() const {
+bool ListingSubmission::hasUnsavedChanges() const {
   return std::ranges::any_of(trackers_, [](const auto& tracker) { return tracker->hasUnsavedChanges(); });
 }
 
-std::string MetadataSubmission::changeDescription() const {
+std::string ListingSubmission::changeDescription() const {
   std::string description;
   for (const auto& tracker : trackers_) {
     if (!tracker->hasUnsavedChanges()) continue;
@@ -23,14 +25,14 @@ std::string MetadataSubmission::changeDescription() const {
   return description.empty() ? "No changes to submit" : description;
 }
 
-boost::asio::awaitable<void> MetadataSubmission::saveChanges() {
+boost::asio::awaitable<void> ListingSubmission::saveChanges() {
   for (const auto& tracker : trackers_) {
     if (tracker->hasUnsavedChanges()) co_await tracker->submitAll();
   }
 }
 
-void MetadataSubmission::discardChanges() {
+void ListingSubmission::discardChanges() {
   for (const auto& tracker : trackers_) tracker->discardAll();
 }
 
-}  // namespace corvane::cli
+}  // namespace corvane::store

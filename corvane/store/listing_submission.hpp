@@ -7,20 +7,21 @@
 #include <string>
 #include <vector>
 
-namespace corvane::cli {
+namespace corvane::store {
 
-/// A checked metadata folder as one submission entity, so that its checklist can be filed
-/// with an `AggregateCompletionGuide`: its state is that of the locales' change trackers.
+/// A metadata folder as one submission entity, so that a listing's checklist can be filed
+/// with an `AggregateCompletionGuide`: its state is that of the listing's change trackers.
 /// One entity for the folder rather than one per locale: the guide re-derives its status
 /// over all items on every filing, which per locale grows with the square of the locales.
-class MetadataSubmission final : public SubmissionEntity {
+class ListingSubmission final : public SubmissionEntity {
  public:
-  /// The folder named `name`, whose locales' entities `trackers` hold.
-  MetadataSubmission(std::string name, std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers);
+  /// The folder named `name`, whose locales' entities `trackers` hold (usually the one
+  /// `StoreListing::tracker()`).
+  ListingSubmission(std::string name, std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers);
 
   /// The folder's name.
   std::string entityId() const override;
-  /// Whether any tracker has unsaved changes (auto-fixes not yet written).
+  /// Whether any tracker has unsaved changes (edits or auto-fixes not yet written).
   bool hasUnsavedChanges() const override;
   /// The trackers' change descriptions of the locales with changes, joined with "; ", or
   /// "No changes to submit".
@@ -35,4 +36,4 @@ class MetadataSubmission final : public SubmissionEntity {
   std::vector<std::shared_ptr<UnifiedChangeTracker>> trackers_;
 };
 
-}  // namespace corvane::cli
+}  // namespace corvane::store
