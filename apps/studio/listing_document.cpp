@@ -568,8 +568,11 @@ void ListingDocument::refreshChecklist() {
   nextScope_.clear();
   nextKey_.clear();
   if (const auto next = guide->nextActionItem()) {
-    nextAction_ = qs(next->title) + QStringLiteral(" (") + qs(next->category.value_or("")) + QStringLiteral("): ") +
-                  qs(next->description);
+    // Findings name their field already ("App name: 19 characters too long").
+    const QString description = qs(next->description);
+    const QString title = qs(next->title);
+    nextAction_ = qs(next->category.value_or("")) + QStringLiteral(" · ") +
+                  (description.startsWith(title) ? description : title + QStringLiteral(": ") + description);
     if (const auto place = places.find(next->id); place != places.end()) {
       nextScope_ = place->second.first;
       nextKey_ = place->second.second;
@@ -584,7 +587,6 @@ FieldRow ListingDocument::rowFor(const store::ListingEntity& entity, ListingFiel
   const std::string& text = entity.text(field);
   const bool fromDefault = listing_->source(entity.scope(), field) == store::TextSource::defaults;
   const auto& property = entity.property(field);
-  const auto presentation = property.validationResult().uiPresentation();
   const auto count = static_cast<qint64>(characterCount(trimmed(text)));
 
   FieldRow row;
@@ -596,14 +598,16 @@ FieldRow ListingDocument::rowFor(const store::ListingEntity& entity, ListingFiel
   row.file = qs(entity.file(field));
   row.counter = about.limit ? QStringLiteral("%1 / %2").arg(count).arg(*about.limit) : QString::number(count);
   row.overLimit = about.limit && count > *about.limit;
-  row.symbol = ui::SymbolGlyphs::glyphFor(presentation.iconName);
-  row.colorName = qs(presentation.colorName);
-  row.message = qs(presentation.displayMessage);
   const store::ListingFinding* top = nullptr;
   for (const auto& finding : state.findings) {
     if (finding.field != field) continue;
     if (!top || finding.level < top->level) top = &finding;
   }
+  // The most urgent finding speaks for the field; without one, the field's own verdict.
+  const auto presentation = (top ? top->verdict : property.validationResult()).uiPresentation();
+  row.symbol = ui::SymbolGlyphs::glyphFor(presentation.iconName);
+  row.colorName = qs(presentation.colorName);
+  row.message = qs(presentation.displayMessage);
   for (const auto& finding : state.findings) {
     if (finding.field == field && &finding != top) row.otherFindings.push_back(qs(finding.verdict.message));
   }

@@ -129,8 +129,9 @@ class StudioTest : public ::testing::Test {
   }
 
   bool shown(const QString& name) {
-    QQuickItem* found = studio_->find(name);
-    return found && found->isVisible();
+    settle();
+    QObject* found = studio_->findObject(name);
+    return found && found->property("visible").toBool();
   }
 
   void click(const QString& name) {
@@ -187,7 +188,10 @@ TEST_F(StudioTest, TypingUpdatesTheCounterVerdictAndUnsavedMarks) {
   EXPECT_TRUE(shown("name.fix"));
   EXPECT_TRUE(document().currentHasUnsavedChanges());
   // The sidebar marks the locale, and its badge counts the new blocker.
-  EXPECT_THAT(text("scope.en-US.blockers"), Not(""));
+  EXPECT_TRUE(shown("scope.en-US.unsaved"));
+  QQuickItem* blockers = item(QStringLiteral("scope.en-US.blockers"));
+  ASSERT_NE(blockers, nullptr);
+  EXPECT_EQ(blockers->property("count").toInt(), 1);
 
   // Back to the saved text: nothing is unsaved any more.
   type("name.input", QStringLiteral("Trail Notes"), true);

@@ -10,6 +10,7 @@
 
 #include <mutex>
 #include <stdexcept>
+#include <vector>
 
 namespace corvane::studio {
 
@@ -33,8 +34,28 @@ StudioWindow::StudioWindow(const StudioOptions& options)
 StudioWindow::~StudioWindow() = default;
 
 QQuickItem* StudioWindow::find(const QString& objectName) const {
-  if (window_->contentItem()->objectName() == objectName) return window_->contentItem();
-  return window_->contentItem()->findChild<QQuickItem*>(objectName);
+  return qobject_cast<QQuickItem*>(findObject(objectName));
+}
+
+QObject* StudioWindow::findObject(const QString& objectName) const {
+  // Delegates of repeaters and lists, and the contents of dialogs, have no object parent:
+  // only the tree of visual items reaches them. The root item holds the overlay, where
+  // open dialogs live, beside the content item.
+  QQuickItem* root = window_->contentItem();
+  while (root->parentItem() != nullptr) root = root->parentItem();
+  std::vector<QQuickItem*> pending = {root};
+  while (!pending.empty()) {
+    QQuickItem* item = pending.back();
+    pending.pop_back();
+    if (item->objectName() == objectName) return item;
+    // Dialogs are objects beside the items they are declared in.
+    for (QObject* child : item->children()) {
+      if (!qobject_cast<QQuickItem*>(child) && child->objectName() == objectName) return child;
+    }
+    const auto children = item->childItems();
+    pending.insert(pending.end(), children.rbegin(), children.rend());
+  }
+  return nullptr;
 }
 
 QImage StudioWindow::screenshot() {

@@ -43,6 +43,8 @@ class StudioWindow final {
 
   /// The item with this object name in the scene, or null.
   QQuickItem* find(const QString& objectName) const;
+  /// The item or other object (a dialog, say) with this object name in the scene, or null.
+  QObject* findObject(const QString& objectName) const;
 
   /// Shows the window and waits until it has drawn a settled frame, then returns it.
   QImage screenshot();

@@ -7,6 +7,7 @@ Rectangle {
     property int count: 0
     property color tone: "gray"
     property string what: ""
+    property color textColor: "white"
 
     visible: count > 0
     implicitWidth: Math.max(20, label.implicitWidth + 10)
@@ -19,7 +20,7 @@ Rectangle {
         id: label
         anchors.centerIn: parent
         text: badge.count
-        color: "white"
+        color: badge.textColor
         font.pixelSize: 11
         font.bold: true
     }

@@ -71,14 +71,13 @@ Rectangle {
                 text: field.counter
                 color: field.overLimit ? field.theme.blocker : field.theme.secondaryText
                 font.bold: field.overLimit
-                font.features: { "tnum": 1 }
                 Accessible.name: "Characters: " + field.counter
             }
         }
 
         TextField {
             id: line
-            objectName: field.key + ".input"
+            objectName: field.editor === "line" ? field.key + ".input" : ""
             visible: field.editor === "line"
             Layout.fillWidth: true
             text: field.text
@@ -97,7 +96,9 @@ Rectangle {
         }
 
         ScrollView {
+            id: paragraphScroll
             visible: field.editor === "paragraph"
+            contentWidth: availableWidth
             Layout.fillWidth: true
             Layout.preferredHeight: Math.min(Math.max(paragraph.implicitHeight, 90), 260)
             TextArea {

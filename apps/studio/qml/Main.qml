@@ -13,23 +13,23 @@ ApplicationWindow {
     minimumHeight: 640
     visible: false
     title: studio.isOpen ? (studio.hasUnsavedChanges ? "● " : "") + studio.folderName + " — Corvane Studio" : "Corvane Studio"
-    color: theme.window
+    color: studioTheme.window
 
     // Set when the user chose to close without saving, so the second close goes through.
     property bool closeConfirmed: false
 
-    Theme { id: theme; dark: appearance.dark }
+    Theme { id: studioTheme; dark: appearance.dark }
 
-    palette.window: theme.window
-    palette.windowText: theme.text
-    palette.base: theme.surface
-    palette.text: theme.text
-    palette.button: theme.surface
-    palette.buttonText: theme.text
-    palette.highlight: theme.accent
-    palette.highlightedText: theme.accentText
-    palette.placeholderText: theme.secondaryText
-    palette.mid: theme.border
+    palette.window: studioTheme.window
+    palette.windowText: studioTheme.text
+    palette.base: studioTheme.surface
+    palette.text: studioTheme.text
+    palette.button: studioTheme.surface
+    palette.buttonText: studioTheme.text
+    palette.highlight: studioTheme.accent
+    palette.highlightedText: studioTheme.accentText
+    palette.placeholderText: studioTheme.secondaryText
+    palette.mid: studioTheme.border
 
     onClosing: close => {
         if (studio.hasUnsavedChanges && !closeConfirmed) {
@@ -50,7 +50,7 @@ ApplicationWindow {
     Shortcut { sequence: "Ctrl+PgUp"; enabled: studio.isOpen; onActivated: studio.selectAdjacentScope(-1) }
 
     header: ToolBar {
-        background: Rectangle { color: theme.surface; Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: theme.border } }
+        background: Rectangle { color: studioTheme.surface; Rectangle { anchors.bottom: parent.bottom; width: parent.width; height: 1; color: studioTheme.border } }
         RowLayout {
             anchors.fill: parent
             anchors.leftMargin: 10
@@ -60,18 +60,18 @@ ApplicationWindow {
                 text: studio.isOpen ? studio.folderName : "Corvane Studio"
                 font.bold: true
                 font.pixelSize: 15
-                color: theme.text
+                color: studioTheme.text
             }
             Label {
                 visible: studio.isOpen
                 text: studio.storeName
-                color: theme.secondaryText
+                color: studioTheme.secondaryText
             }
             Item { Layout.fillWidth: true }
-            ToolButtonText { objectName: "openButton"; theme: theme; text: "Open…"; onClicked: folderDialog.open() }
+            ToolButtonText { objectName: "openButton"; theme: studioTheme; text: "Open…"; onClicked: folderDialog.open() }
             ToolButtonText {
                 objectName: "recentButton"
-                theme: theme
+                theme: studioTheme
                 text: "Recent"
                 enabled: recentFolders.folders.length > 0
                 onClicked: recentMenu.popup()
@@ -85,7 +85,7 @@ ApplicationWindow {
             }
             ToolButtonText {
                 objectName: "discardButton"
-                theme: theme
+                theme: studioTheme
                 text: "Discard…"
                 enabled: studio.hasUnsavedChanges
                 onClicked: discardMenu.popup()
@@ -97,14 +97,14 @@ ApplicationWindow {
             }
             ToolButtonText {
                 objectName: "saveButton"
-                theme: theme
+                theme: studioTheme
                 text: "Save " + (studio.currentScope === "shared" ? "shared data" : studio.currentScope)
                 enabled: studio.currentHasUnsavedChanges
                 onClicked: studio.save()
             }
             ToolButtonText {
                 objectName: "saveAllButton"
-                theme: theme
+                theme: studioTheme
                 primary: studio.hasUnsavedChanges
                 text: "Save all"
                 enabled: studio.hasUnsavedChanges
@@ -115,15 +115,15 @@ ApplicationWindow {
 
     footer: Rectangle {
         height: 26
-        color: theme.surface
-        Rectangle { width: parent.width; height: 1; color: theme.border }
+        color: studioTheme.surface
+        Rectangle { width: parent.width; height: 1; color: studioTheme.border }
         Label {
             objectName: "status"
             anchors.verticalCenter: parent.verticalCenter
             anchors.left: parent.left
             anchors.leftMargin: 10
             text: studio.statusText
-            color: theme.secondaryText
+            color: studioTheme.secondaryText
             font.pixelSize: 12
         }
         Label {
@@ -131,7 +131,7 @@ ApplicationWindow {
             anchors.right: parent.right
             anchors.rightMargin: 10
             text: studio.isOpen ? studio.folder : ""
-            color: theme.secondaryText
+            color: studioTheme.secondaryText
             font.pixelSize: 12
             elide: Text.ElideMiddle
             width: parent.width / 2
@@ -142,7 +142,7 @@ ApplicationWindow {
     WelcomePage {
         anchors.fill: parent
         visible: !studio.isOpen
-        theme: theme
+        theme: studioTheme
         onOpenRequested: folderDialog.open()
     }
 
@@ -152,12 +152,12 @@ ApplicationWindow {
         spacing: 0
 
         Sidebar {
-            theme: theme
+            theme: studioTheme
             Layout.preferredWidth: window.width < 1200 ? 200 : 240
             Layout.fillHeight: true
             onAddLocaleRequested: addLocaleDialog.open()
         }
-        Rectangle { Layout.fillHeight: true; width: 1; color: theme.border }
+        Rectangle { Layout.fillHeight: true; width: 1; color: studioTheme.border }
 
         ColumnLayout {
             Layout.fillWidth: true
@@ -169,7 +169,7 @@ ApplicationWindow {
                 visible: studio.errorText.length > 0
                 Layout.fillWidth: true
                 implicitHeight: errorRow.implicitHeight + 16
-                color: theme.errorBackground
+                color: studioTheme.errorBackground
                 RowLayout {
                     id: errorRow
                     anchors.fill: parent
@@ -178,10 +178,10 @@ ApplicationWindow {
                         objectName: "errorText"
                         Layout.fillWidth: true
                         text: studio.errorText
-                        color: theme.blocker
+                        color: studioTheme.blocker
                         wrapMode: Text.Wrap
                     }
-                    ToolButtonText { theme: theme; text: "Dismiss"; onClicked: studio.dismissError() }
+                    ToolButtonText { theme: studioTheme; text: "Dismiss"; onClicked: studio.dismissError() }
                 }
             }
 
@@ -189,7 +189,7 @@ ApplicationWindow {
                 text: studio.currentTitle
                 font.pixelSize: 20
                 font.bold: true
-                color: theme.text
+                color: studioTheme.text
                 Layout.margins: 14
                 Layout.bottomMargin: 4
             }
@@ -213,7 +213,7 @@ ApplicationWindow {
                         id: fieldRepeater
                         model: studio.fields
                         FieldEditor {
-                            theme: theme
+                            theme: studioTheme
                             rightToLeft: studio.currentRightToLeft
                             Layout.fillWidth: true
                         }
@@ -222,10 +222,10 @@ ApplicationWindow {
                 }
             }
         }
-        Rectangle { Layout.fillHeight: true; width: 1; color: theme.border }
+        Rectangle { Layout.fillHeight: true; width: 1; color: studioTheme.border }
 
         ChecklistPanel {
-            theme: theme
+            theme: studioTheme
             Layout.preferredWidth: window.width < 1200 ? 260 : 320
             Layout.fillHeight: true
         }
@@ -251,8 +251,8 @@ ApplicationWindow {
         onAccepted: studio.openUrl(selectedFolder)
     }
 
-    AddLocaleDialog { id: addLocaleDialog; theme: theme }
-    ConflictDialog { theme: theme }
+    AddLocaleDialog { id: addLocaleDialog; theme: studioTheme }
+    ConflictDialog { theme: studioTheme }
 
     Dialog {
         id: unsavedDialog
@@ -261,12 +261,12 @@ ApplicationWindow {
         modal: true
         anchors.centerIn: parent
         width: 440
-        palette.window: theme.surface
-        palette.windowText: theme.text
+        palette.window: studioTheme.surface
+        palette.windowText: studioTheme.text
         Label {
             width: parent.width
             wrapMode: Text.Wrap
-            color: theme.text
+            color: studioTheme.text
             text: "Your edits are not saved yet. Closing without saving loses them."
         }
         footer: DialogButtonBox {

@@ -76,12 +76,23 @@ Rectangle {
                     ColumnLayout {
                         Layout.fillWidth: true
                         spacing: 0
-                        Label {
-                            text: entry.title + (entry.unsaved ? "  ●" : "")
-                            color: sidebar.theme.text
-                            font.bold: entry.selected
-                            elide: Text.ElideRight
+                        RowLayout {
+                            spacing: 6
                             Layout.fillWidth: true
+                            Label {
+                                text: entry.title
+                                color: sidebar.theme.text
+                                font.bold: entry.selected
+                                elide: Text.ElideRight
+                                Layout.fillWidth: true
+                            }
+                            Label {
+                                objectName: "scope." + entry.scope + ".unsaved"
+                                visible: entry.unsaved
+                                text: "●"
+                                color: sidebar.theme.unsaved
+                                Accessible.name: "Unsaved changes"
+                            }
                         }
                         Label {
                             text: entry.detail
@@ -92,8 +103,8 @@ Rectangle {
                             Layout.fillWidth: true
                         }
                     }
-                    Badge { objectName: "scope." + entry.scope + ".blockers"; count: entry.blockers; tone: sidebar.theme.blocker; what: "blockers" }
-                    Badge { objectName: "scope." + entry.scope + ".risks"; count: entry.risks; tone: sidebar.theme.risk; what: "rejection risks" }
+                    Badge { objectName: "scope." + entry.scope + ".blockers"; count: entry.blockers; tone: sidebar.theme.blocker; textColor: sidebar.theme.badgeText; what: "blockers" }
+                    Badge { objectName: "scope." + entry.scope + ".risks"; count: entry.risks; tone: sidebar.theme.risk; textColor: sidebar.theme.badgeText; what: "rejection risks" }
                 }
             }
         }
