@@ -452,6 +452,38 @@ TEST_F(StudioTest, RightToLeftLocalesAreShownRightToLeft) {
   EXPECT_FALSE(document().currentRightToLeft());
 }
 
+TEST_F(StudioTest, TheKeyboardMovesBetweenLocales) {
+  open();
+  ASSERT_EQ(document().currentScope(), "de-DE");
+  key(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(document().currentScope(), "en-US");
+  key(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(document().currentScope(), "shared");
+  key(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_EQ(document().currentScope(), "shared");
+
+  item(QStringLiteral("scopeList"))->forceActiveFocus();
+  key(Qt::Key_Up);
+  EXPECT_EQ(document().currentScope(), "en-US");
+  key(Qt::Key_Up);
+  EXPECT_EQ(document().currentScope(), "de-DE");
+}
+
+TEST_F(StudioTest, GooglePlayFoldersShowPlaysFieldsAndNoSharedData) {
+  const fs::path play = files_.path() / "play";
+  writeFile(play / "en-US/title.txt", "Trail Notes\n");
+  writeFile(play / "en-US/short_description.txt", "Plan hikes offline\n");
+  writeFile(play / "en-US/full_description.txt", "Plan every hike with maps that work without a signal.\n");
+  ASSERT_TRUE(document().open(QString::fromStdString(play.string())));
+  settle();
+  EXPECT_EQ(document().storeName(), "Google Play");
+  EXPECT_EQ(document().scopes()->rowCount(), 1);
+  EXPECT_EQ(text("title.counter"), "11 / 30");
+  EXPECT_EQ(text("short-description.counter"), "18 / 80");
+  type("title.input", QStringLiteral("FREE Trail Notes"), true);
+  EXPECT_THAT(text("title.message"), HasSubstr("Rejection risk"));
+}
+
 TEST_F(StudioTest, BadFoldersAreRefusedWithAMessageAndNothingChanges) {
   open();
   EXPECT_FALSE(document().open(QString::fromStdString((files_.path() / "missing").string())));
