@@ -484,6 +484,15 @@ TEST_F(StudioTest, GooglePlayFoldersShowPlaysFieldsAndNoSharedData) {
   EXPECT_THAT(text("title.message"), HasSubstr("Rejection risk"));
 }
 
+TEST_F(StudioTest, TheFoldersConfigurationSetsTheLevels) {
+  writeFile(folder() / ".corvane.toml", "[rules]\n\"name.length\" = \"optimization\"\n");
+  open();
+  document().selectScope(QStringLiteral("en-US"));
+  type("name.input", QStringLiteral("Trail Notes for Hikers Who Love Mountains"), true);
+  EXPECT_THAT(text("name.message"), StartsWith("Optimization: "));
+  EXPECT_EQ(text("decision"), "Ready to submit");
+}
+
 TEST_F(StudioTest, BadFoldersAreRefusedWithAMessageAndNothingChanges) {
   open();
   EXPECT_FALSE(document().open(QString::fromStdString((files_.path() / "missing").string())));

@@ -21,3 +21,13 @@ if(NOT last_output MATCHES "resources: ${WORK_DIR}/prefix/share/corvane/sample-m
   message(FATAL_ERROR "resources not found in the prefix:\n${last_output}")
 endif()
 message(STATUS "consumer output:\n${last_output}")
+
+# The installed editor starts with the installed library and opens the installed sample.
+if(WITH_STUDIO)
+  run(${CMAKE_COMMAND} -E env QT_QPA_PLATFORM=offscreen HOME=${WORK_DIR}
+      ${WORK_DIR}/prefix/bin/corvane-studio --screenshot ${WORK_DIR}/studio.png
+      ${WORK_DIR}/prefix/share/corvane/sample-metadata)
+  if(NOT EXISTS ${WORK_DIR}/studio.png)
+    message(FATAL_ERROR "the installed corvane-studio drew nothing")
+  endif()
+endif()
