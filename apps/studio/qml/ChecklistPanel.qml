@@ -47,7 +47,8 @@ Rectangle {
         }
 
         Label {
-            text: "Next"
+            // Once nothing stops the submission, what is left only makes the listing better.
+            text: studio.readyToSubmit ? "Worth doing" : "Next"
             visible: studio.nextAction.length > 0
             font.bold: true
             color: panel.theme.text

@@ -12,7 +12,7 @@ Dialog {
     modal: true
     anchors.centerIn: parent
     width: Math.min(parent.width - 40, 860)
-    height: Math.min(parent.height - 40, 560)
+    height: Math.min(parent.height - 40, implicitHeight)
     visible: studio.conflicts.length > 0
     closePolicy: Popup.NoAutoClose
     palette.window: theme.surface
@@ -30,6 +30,7 @@ Dialog {
         ListView {
             Layout.fillWidth: true
             Layout.fillHeight: true
+            Layout.preferredHeight: contentHeight
             clip: true
             spacing: 14
             model: studio.conflicts

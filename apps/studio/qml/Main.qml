@@ -260,7 +260,7 @@ ApplicationWindow {
         title: "Save changes before closing?"
         modal: true
         anchors.centerIn: parent
-        width: 440
+        width: 560
         palette.window: studioTheme.surface
         palette.windowText: studioTheme.text
         Label {
