@@ -335,7 +335,8 @@ bool ListingDocument::write(bool everything) {
   }
   setError({});
   afterChange(true);
-  setStatus(files == 0 ? QStringLiteral("Nothing to save") : QStringLiteral("Saved %1").arg(plural(files, "file", "files")));
+  setStatus(files == 0 ? QStringLiteral("Nothing to save")
+                       : QStringLiteral("Saved %1").arg(plural(files, "file", "files")));
   return true;
 }
 
@@ -477,10 +478,10 @@ void ListingDocument::rejudge(const store::ListingEntity& entity) {
     state.findings.insert(state.findings.begin(), folderFindings.begin(), folderFindings.end());
   }
   state.items = listing_->checklist(entity, state.findings);
-  state.blockers = static_cast<int>(
-      std::ranges::count(state.findings, RuleLevel::blocker, &store::ListingFinding::level));
-  state.risks = static_cast<int>(
-      std::ranges::count(state.findings, RuleLevel::rejectionRisk, &store::ListingFinding::level));
+  state.blockers =
+      static_cast<int>(std::ranges::count(state.findings, RuleLevel::blocker, &store::ListingFinding::level));
+  state.risks =
+      static_cast<int>(std::ranges::count(state.findings, RuleLevel::rejectionRisk, &store::ListingFinding::level));
 }
 
 void ListingDocument::rejudgeAll() {
@@ -552,16 +553,16 @@ void ListingDocument::refreshChecklist() {
   guide->add(std::move(items), store::ListingSubmission(utf8(folder_), {listing_->tracker()}));
   const auto counts = guide->completionProgress();
   progress_ = guide->completionPercentage();
-  progressText_ = QStringLiteral("%1 of %2 done").arg(counts.completedItems).arg(plural(counts.totalItems, "item", "items"));
+  progressText_ =
+      QStringLiteral("%1 of %2 done").arg(counts.completedItems).arg(plural(counts.totalItems, "item", "items"));
   readyToSubmit_ = guide->canComplete();
   if (readyToSubmit_) {
     decision_ = QStringLiteral("Ready to submit");
   } else if (blockers > 0) {
     decision_ = plural(blockers, "blocker stops", "blockers stop") + QStringLiteral(" the submission");
   } else {
-    const auto missing = std::ranges::count_if(guide->requiredItems(), [](const CompletionItem& item) {
-      return !item.status.isCompleted();
-    });
+    const auto missing = std::ranges::count_if(guide->requiredItems(),
+                                               [](const CompletionItem& item) { return !item.status.isCompleted(); });
     decision_ = plural(missing, "required item", "required items") + QStringLiteral(" still open");
   }
   nextAction_.clear();
@@ -582,7 +583,8 @@ void ListingDocument::refreshChecklist() {
   }
 }
 
-FieldRow ListingDocument::rowFor(const store::ListingEntity& entity, ListingField field, const ScopeState& state) const {
+FieldRow ListingDocument::rowFor(const store::ListingEntity& entity, ListingField field,
+                                 const ScopeState& state) const {
   const auto& about = listing_->facts().field(field);
   const std::string& text = entity.text(field);
   const bool fromDefault = listing_->source(entity.scope(), field) == store::TextSource::defaults;

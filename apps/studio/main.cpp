@@ -27,22 +27,30 @@ int main(int argc, char** argv) {
   parser.setApplicationDescription(QStringLiteral("Edit an app's store listing with every field checked as you type."));
   parser.addHelpOption();
   parser.addVersionOption();
-  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The metadata folder to open."), QStringLiteral("[folder]"));
-  const QCommandLineOption store(QStringLiteral("store"), QStringLiteral("Whose layout and rules: appstore, play or auto (the default)."),
+  parser.addPositionalArgument(QStringLiteral("folder"), QStringLiteral("The metadata folder to open."),
+                               QStringLiteral("[folder]"));
+  const QCommandLineOption store(QStringLiteral("store"),
+                                 QStringLiteral("Whose layout and rules: appstore, play or auto (the default)."),
                                  QStringLiteral("store"), QStringLiteral("auto"));
   const QCommandLineOption appearance(QStringLiteral("appearance"),
-                                      QStringLiteral("light or dark instead of following the system."), QStringLiteral("appearance"));
-  const QCommandLineOption locale(QStringLiteral("locale"), QStringLiteral("The locale to show first."), QStringLiteral("code"));
+                                      QStringLiteral("light or dark instead of following the system."),
+                                      QStringLiteral("appearance"));
+  const QCommandLineOption locale(QStringLiteral("locale"), QStringLiteral("The locale to show first."),
+                                  QStringLiteral("code"));
   const QCommandLineOption screenshot(QStringLiteral("screenshot"),
-                                      QStringLiteral("Save a picture of the window as a PNG file and quit."), QStringLiteral("file"));
-  const QCommandLineOption size(QStringLiteral("size"), QStringLiteral("The window's size, such as 1280x800."), QStringLiteral("size"));
+                                      QStringLiteral("Save a picture of the window as a PNG file and quit."),
+                                      QStringLiteral("file"));
+  const QCommandLineOption size(QStringLiteral("size"), QStringLiteral("The window's size, such as 1280x800."),
+                                QStringLiteral("size"));
   parser.addOptions({store, appearance, locale, screenshot, size});
   parser.process(app);
 
   corvane::studio::StudioOptions options;
   options.appearance = parser.value(appearance);
-  if (!options.appearance.isEmpty() && options.appearance != QStringLiteral("light") && options.appearance != QStringLiteral("dark")) {
-    std::fprintf(stderr, "corvane-studio: --appearance takes light or dark, not '%s'\n", qPrintable(options.appearance));
+  if (!options.appearance.isEmpty() && options.appearance != QStringLiteral("light") &&
+      options.appearance != QStringLiteral("dark")) {
+    std::fprintf(stderr, "corvane-studio: --appearance takes light or dark, not '%s'\n",
+                 qPrintable(options.appearance));
     return 2;
   }
   if (parser.isSet(size)) {
@@ -69,7 +77,8 @@ int main(int argc, char** argv) {
   corvane::setMainExecutor(context.get_executor());
   try {
     corvane::studio::StudioWindow studio(options);
-    if (!folders.isEmpty() && !studio.document().open(folders.front(), parser.value(store)) && parser.isSet(screenshot)) {
+    if (!folders.isEmpty() && !studio.document().open(folders.front(), parser.value(store)) &&
+        parser.isSet(screenshot)) {
       std::fprintf(stderr, "corvane-studio: %s\n", qPrintable(studio.document().errorText()));
       status = 1;
     }

@@ -32,9 +32,8 @@ QVariant ScopeListModel::data(const QModelIndex& index, int role) const {
 }
 
 QHash<int, QByteArray> ScopeListModel::roleNames() const {
-  return {{ScopeRole, "scope"},       {TitleRole, "title"},     {DetailRole, "detail"},
-          {BlockersRole, "blockers"}, {RisksRole, "risks"},     {UnsavedRole, "unsaved"},
-          {RightToLeftRole, "rightToLeft"}};
+  return {{ScopeRole, "scope"}, {TitleRole, "title"},     {DetailRole, "detail"},          {BlockersRole, "blockers"},
+          {RisksRole, "risks"}, {UnsavedRole, "unsaved"}, {RightToLeftRole, "rightToLeft"}};
 }
 
 void ScopeListModel::assign(std::vector<ScopeRow> rows) {

@@ -30,7 +30,15 @@ class ScopeListModel final : public QAbstractListModel {
   Q_OBJECT
 
  public:
-  enum Role { ScopeRole = Qt::UserRole + 1, TitleRole, DetailRole, BlockersRole, RisksRole, UnsavedRole, RightToLeftRole };
+  enum Role {
+    ScopeRole = Qt::UserRole + 1,
+    TitleRole,
+    DetailRole,
+    BlockersRole,
+    RisksRole,
+    UnsavedRole,
+    RightToLeftRole
+  };
 
   using QAbstractListModel::QAbstractListModel;
 

@@ -28,7 +28,8 @@ struct StudioOptions {
 
 /// The editor's main window: the QML scene with its document, appearance, recent folders
 /// and symbol glyphs as context properties (`studio`, `appearance`, `recentFolders`,
-/// `symbols`). Every folder the document opens joins the recent folders. The program shows one; tests and benchmarks drive one the same way.
+/// `symbols`). Every folder the document opens joins the recent folders. The program shows one; tests and benchmarks
+/// drive one the same way.
 class StudioWindow final {
  public:
   /// Loads the scene; throws `std::runtime_error` when it does not load.
