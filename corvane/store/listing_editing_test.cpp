@@ -82,6 +82,16 @@ fs::path writeAppStoreFolder(const fs::path& root) {
   return root;
 }
 
+// An auto-fix of default/name.txt, which de-DE and fr-FR read.
+ListingEdit defaultNameFix() {
+  ListingEdit fix;
+  fix.scope = "de-DE";
+  fix.field = ListingField::name;
+  fix.file = "default/name.txt";
+  fix.after = "Note";
+  return fix;
+}
+
 // ---------------------------------------------------------------------------------------
 // Editing per field, default/ as a fallback
 
@@ -268,18 +278,32 @@ TEST(ListingWriteTest, WritesOnlyTheChosenScopesAndMarksDefaultsReadersSaved) {
   EXPECT_FALSE(listing.tracker()->hasUnsavedChanges());
 }
 
+TEST(ListingWriteTest, LocalesReadingAWrittenDefaultFileShowItAndDetachedOnesKeepTheirEdit) {
+  TemporaryFolder temporary;
+  const auto root = writeAppStoreFolder(temporary.path());
+  writeFile(root / "it" / "keywords.txt", "note\n");
+  StoreListing listing(root, appStore(), {}, kContext);
+  listing.apply(defaultNameFix());  // de-DE, fr-FR and it read default/name.txt
+  ASSERT_EQ(listing.entity("it")->text(ListingField::name), "Note");
+  listing.edit("fr-FR", ListingField::name, "");  // back to default/'s saved text, for fr-FR only
+  listing.edit("it", ListingField::name, "Note italiane");
+  ASSERT_EQ(listing.entity("fr-FR")->text(ListingField::name), "Notes");
+
+  listing.writeChanges(std::vector<std::string>{"de-DE"});
+  EXPECT_EQ(readFile(root / "default" / "name.txt"), "Note\n");
+  const auto& french = listing.entity("fr-FR")->property(ListingField::name);
+  EXPECT_EQ(french.wrappedValue(), "Note") << "fr-FR reads the file written";
+  EXPECT_FALSE(french.hasChanged());
+  const auto& italian = listing.entity("it")->property(ListingField::name);
+  EXPECT_EQ(italian.wrappedValue(), "Note italiane");
+  EXPECT_EQ(italian.originalValue(), "Note") << "what it returns to";
+  listing.edit("it", ListingField::name, "");
+  EXPECT_EQ(listing.entity("it")->text(ListingField::name), "Note");
+  EXPECT_FALSE(listing.tracker()->hasUnsavedChanges());
+}
+
 // ---------------------------------------------------------------------------------------
 // Files changed on disk
-
-// An auto-fix of default/name.txt, which de-DE and fr-FR read.
-ListingEdit defaultNameFix() {
-  ListingEdit fix;
-  fix.scope = "de-DE";
-  fix.field = ListingField::name;
-  fix.file = "default/name.txt";
-  fix.after = "Note";
-  return fix;
-}
 
 struct DiskChange {
   const char* what;

@@ -527,11 +527,15 @@ void StoreListing::write(const std::vector<FieldRef>& fields) {
   for (const auto& [entity, field] : allFields()) {
     if (!refreshRecord(record(*entity, field))) continue;
     auto& property = entity->property(field);
-    const std::string saved(record(*entity, field).value());
-    if (property.wrappedValue() == saved) {
+    std::string saved(record(*entity, field).value());
+    if (record(*entity, field).source == TextSource::defaults && !detached(*entity, field)) {
+      // A locale reading default/ shows what the file holds.
+      property.setWrappedValue(std::move(saved));
+      property.markSaved();
+    } else if (property.wrappedValue() == saved) {
       property.markSaved();
     } else {
-      rebase(property, saved);
+      rebase(property, saved);  // a detached edit stays; it only returns to the new text
     }
   }
   if (folder_.defaults) {
