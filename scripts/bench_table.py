@@ -21,13 +21,13 @@ BASELINES = {
     "TrackerRegisterQueryUnregister/10000": ["TrackerRegisterQueryUnregister/1000"],
     "BM_KeystrokeInLongDescription": ["BM_KeystrokeInPlainTextAreaBaseline"],
     "BM_OpenFortyLocaleFolder": ["BM_ReadAndCountFortyLocalesBaseline"],
-    "BM_StudioOpensFortyLocaleFolder/real_time": ["BM_StudioStartsWithoutFolderBaseline/real_time"],
+    "BM_StudioOpensFortyLocaleFolder/manual_time": ["BM_StudioStartsWithoutFolderBaseline/manual_time"],
 }
 IS_BASELINE = {"utf8procLoop/ascii", "utf8procLoop/mixed", "icuBreakIterator/ascii", "icuBreakIterator/mixed",
                "byteScanBaseline/ascii", "asciiTrimBaseline", "PlainValueAndVerdictBaseline", "MapHitBaseline",
                "MapMissWithEvictionBaseline/1000", "MapMissWithEvictionBaseline/100000", "BM_ReadAndCountBaseline",
                "TrackerRegisterQueryUnregister/1000", "BM_KeystrokeInPlainTextAreaBaseline",
-               "BM_ReadAndCountFortyLocalesBaseline", "BM_StudioStartsWithoutFolderBaseline/real_time"}
+               "BM_ReadAndCountFortyLocalesBaseline", "BM_StudioStartsWithoutFolderBaseline/manual_time"}
 # Figures a benchmark reports beside its time.
 SKIPPED_KEYS = {"name", "family_index", "per_family_instance_index", "run_name", "run_type", "repetitions",
                 "repetition_index", "threads", "iterations", "real_time", "cpu_time", "time_unit",
@@ -71,8 +71,13 @@ def main():
     print("the baseline's time the library takes for the same job. For")
     print("TrackerRegisterQueryUnregister/10000 the baseline is the same work for a tenth of the")
     print("entities, so a ratio near 10 means linear growth. byteScanBaseline (one per byte that does not")
-    print("continue a sequence) is the fastest conceivable ASCII count. The")
-    print("memory figures come from a counting allocator (live heap bytes) in resource_bench.\n")
+    print("continue a sequence) is the fastest conceivable ASCII count. resource_bench's")
+    print("memory figures come from a counting allocator (live heap bytes).")
+    print("studio_bench drives Corvane Studio, the desktop editor, off screen with the software renderer:")
+    print("a keystroke at the end of a 4,000-character description until the frame showing its new")
+    print("counter and verdict is drawn (budget: one frame, 16 ms), and a 40-locale folder opened in a")
+    print("window already up (with the resident memory it adds) and by the program started in a process")
+    print("of its own (with that process's peak resident memory); opening has a budget of 1 s and 150 MB.\n")
     cpus = context.get("num_cpus", "?")
     mhz = context.get("mhz_per_cpu", "?")
     print(f"Machine: {platform.machine()}, {cpus} CPUs at {mhz} MHz; run {context.get('date', '?')}.\n")
