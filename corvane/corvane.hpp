@@ -8,6 +8,7 @@
 #include "corvane/support/logging.hpp"
 #include "corvane/support/main_executor.hpp"
 #include "corvane/support/main_queue.hpp"
+#include "corvane/support/object_identity.hpp"
 #include "corvane/support/precondition.hpp"
 #include "corvane/support/print_line.hpp"
 #include "corvane/support/sleep.hpp"
@@ -22,6 +23,7 @@
 #include "corvane/text/characters.hpp"
 
 #include "corvane/results/action_guidance.hpp"
+#include "corvane/results/basic_display_timing.hpp"
 #include "corvane/results/business_impact.hpp"
 #include "corvane/results/business_validation_result.hpp"
 #include "corvane/results/display_behavior.hpp"
@@ -34,12 +36,14 @@
 #include "corvane/cache/validation_cache_monitor.hpp"
 
 #include "corvane/tracking/change_detectable.hpp"
+#include "corvane/tracking/change_tracking_error.hpp"
 #include "corvane/tracking/empty_value_rule.hpp"
 #include "corvane/tracking/property_discovery.hpp"
 #include "corvane/tracking/support_url_check.hpp"
 #include "corvane/tracking/trackable_entity.hpp"
 #include "corvane/tracking/tracked.hpp"
 #include "corvane/tracking/tracked_validatable.hpp"
+#include "corvane/tracking/unified_change_tracker.hpp"
 #include "corvane/tracking/validate.hpp"
 #include "corvane/tracking/validation_check.hpp"
 #include "corvane/tracking/validation_guidance.hpp"
@@ -76,6 +80,8 @@
 
 #include "corvane/entities/app_essentials_with_dsl.hpp"
 #include "corvane/entities/example_app_info_entity.hpp"
+#include "corvane/entities/showcase_app_entity.hpp"
+#include "corvane/entities/showcase_user_entity.hpp"
 
 #include "corvane/resources/corvane_resources.hpp"
 
@@ -96,5 +102,6 @@
 #include "corvane/store/rule_level.hpp"
 #include "corvane/store/staged_file.hpp"
 #include "corvane/store/store_facts.hpp"
+#include "corvane/store/store_id.hpp"
 #include "corvane/store/store_listing.hpp"
 #include "corvane/store/text_frame.hpp"

@@ -1,3 +1,4 @@
+cmake_minimum_required(VERSION 3.25)
 # Installs the build tree into WORK_DIR/prefix, configures and builds the consumer project
 # against it, and runs the consumer.
 function(run)
@@ -21,6 +22,21 @@ if(NOT last_output MATCHES "resources: ${WORK_DIR}/prefix/share/corvane/sample-m
   message(FATAL_ERROR "resources not found in the prefix:\n${last_output}")
 endif()
 message(STATUS "consumer output:\n${last_output}")
+
+# The umbrella header reaches every installed header; the consumer's public_types.cpp
+# names their types through it.
+run(${CXX_COMPILER} -std=c++20 -M -I${WORK_DIR}/prefix/include ${WORK_DIR}/prefix/include/corvane/corvane.hpp)
+string(REPLACE "\\\n" " " umbrella_dependencies "${last_output}")  # line continuations
+string(REGEX REPLACE "[ \n]+" ";" umbrella_dependencies "${umbrella_dependencies}")
+file(GLOB_RECURSE installed_headers RELATIVE ${WORK_DIR}/prefix/include ${WORK_DIR}/prefix/include/corvane/*.hpp)
+foreach(header IN LISTS installed_headers)
+  if(NOT header STREQUAL "corvane/corvane.hpp" AND NOT "${WORK_DIR}/prefix/include/${header}" IN_LIST umbrella_dependencies)
+    list(APPEND left_out ${header})
+  endif()
+endforeach()
+if(left_out)
+  message(FATAL_ERROR "corvane/corvane.hpp does not include these installed headers: ${left_out}")
+endif()
 
 # The installed editor starts with the installed library and opens the installed sample.
 if(WITH_STUDIO)
