@@ -7,6 +7,7 @@
 #include "corvane/store/store_facts.hpp"
 #include "corvane/store/store_listing.hpp"
 #include "corvane/testing/temporary_folder.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -326,12 +327,8 @@ TEST(PlayListingTest, TheLayoutIsToldByTheFilesOfTheLocaleFolders) {
 TEST(PlayListingTest, AnAppStoreFolderReadAsPlaysIsRefusedInPlainWords) {
   const TemporaryFolder folder;
   writeFile(folder.path() / "en-US/name.txt", "Notes\n");
-  try {
-    (void)readListingFolder(folder.path(), play());
-    ADD_FAILURE() << "no InputError";
-  } catch (const InputError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("en-US: locale folder holds none of the metadata files"));
-  }
+  EXPECT_THAT(corvane::testing::thrownMessage<InputError>([&] { (void)readListingFolder(folder.path(), play()); }),
+              HasSubstr("en-US: locale folder holds none of the metadata files"));
 }
 
 }  // namespace
