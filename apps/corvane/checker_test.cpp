@@ -4,6 +4,7 @@
 #include "corvane/resources/corvane_resources.hpp"
 #include "corvane/store/input_error.hpp"
 #include "corvane/testing/temporary_folder.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -17,6 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using corvane::testing::TemporaryFolder;
+using corvane::testing::thrownMessage;
 using corvane::testing::writeFile;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -104,18 +106,10 @@ TEST(CheckerStoreTest, AnExplicitStoreWinsOverDetectionAndAnUnknownOneIsRefused)
   EXPECT_THAT(findingsOf(check(repository.path() / "android", "play")),
               ElementsAre("de-DE: title.length", "en-US: title.claim"));
   // The App Store's reading of a Play folder finds none of its files and says so.
-  try {
-    (void)check(repository.path() / "android", "appstore");
-    ADD_FAILURE() << "no InputError";
-  } catch (const store::InputError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("locale folder holds none of the metadata files"));
-  }
-  try {
-    (void)check(repository.path() / "android", "googleplay");
-    ADD_FAILURE() << "no InputError";
-  } catch (const store::InputError& error) {
-    EXPECT_STREQ(error.what(), "'googleplay' is not a store: choose appstore, play or auto");
-  }
+  EXPECT_THAT(thrownMessage<store::InputError>([&] { (void)check(repository.path() / "android", "appstore"); }),
+              HasSubstr("locale folder holds none of the metadata files"));
+  EXPECT_EQ(thrownMessage<store::InputError>([&] { (void)check(repository.path() / "android", "googleplay"); }),
+            "'googleplay' is not a store: choose appstore, play or auto");
 }
 
 TEST(CheckerStoreTest, ThePlayConfigurationIsCheckedAgainstPlaysRules) {
@@ -130,12 +124,7 @@ TEST(CheckerStoreTest, ThePlayConfigurationIsCheckedAgainstPlaysRules) {
 
   // An App Store rule means nothing to a Play listing: the configuration names it an error.
   writeFile(android / ".corvane.toml", "[rules]\n\"keywords.spacing\" = \"off\"\n");
-  try {
-    (void)check(android);
-    ADD_FAILURE() << "no ConfigurationError";
-  } catch (const store::ConfigurationError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("keywords.spacing"));
-  }
+  EXPECT_THAT(thrownMessage<store::ConfigurationError>([&] { (void)check(android); }), HasSubstr("keywords.spacing"));
 }
 
 TEST(CheckerStoreTest, ThePlaySampleShowsEveryReportGroup) {

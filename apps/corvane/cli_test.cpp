@@ -20,20 +20,8 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::Not;
+using testing::run;
 using testing::TemporaryFolder;
-
-struct Run {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-Run run(std::vector<std::string> arguments, Terminal terminal = {}) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = runCli(arguments, out, err, terminal);
-  return {status, out.str(), err.str()};
-}
 
 // Every file under `root` with its contents, to prove that nothing changed.
 std::map<std::string, std::string> snapshot(const fs::path& root) {

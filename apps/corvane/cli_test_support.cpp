@@ -1,8 +1,6 @@
 #include "cli_test_support.hpp"
 
-#include "corvane/store/input_error.hpp"
-
-#include <gtest/gtest.h>
+#include <sstream>
 
 namespace corvane::cli::testing {
 namespace fs = std::filesystem;
@@ -16,14 +14,11 @@ fs::path copySample(const fs::path& destination) {
   return destination;
 }
 
-std::string inputErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const store::InputError& error) {
-    return error.what();
-  }
-  ADD_FAILURE() << "no InputError";
-  return {};
+Run run(const std::vector<std::string>& arguments, Terminal terminal) {
+  std::ostringstream out;
+  std::ostringstream err;
+  const int status = runCli(arguments, out, err, terminal);
+  return {status, out.str(), err.str()};
 }
 
 }  // namespace corvane::cli::testing

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "cli.hpp"
 #include "corvane/testing/temporary_folder.hpp"
 
 #include <filesystem>
-#include <functional>
 #include <string>
+#include <vector>
 
 namespace corvane::cli::testing {
 
@@ -18,8 +19,14 @@ std::filesystem::path sourceSample();
 /// Copies the sample metadata into `destination` and returns `destination`.
 std::filesystem::path copySample(const std::filesystem::path& destination);
 
-/// Runs `action` and returns the message of the `InputError` it must throw; records a test
-/// failure and returns an empty text when it throws none.
-std::string inputErrorOf(const std::function<void()>& action);
+/// What one run of the command line printed, and the status it ended with.
+struct Run {
+  int status;
+  std::string out;
+  std::string err;
+};
+
+/// Runs the command line with `arguments` on `terminal`, capturing what it prints.
+Run run(const std::vector<std::string>& arguments, Terminal terminal = {});
 
 }  // namespace corvane::cli::testing

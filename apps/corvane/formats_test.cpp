@@ -27,20 +27,8 @@ namespace {
 namespace fs = std::filesystem;
 namespace json = boost::json;
 using ::testing::HasSubstr;
+using testing::run;
 using testing::TemporaryFolder;
-
-struct Run {
-  int status;
-  std::string out;
-  std::string err;
-};
-
-Run run(const std::vector<std::string>& arguments) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = runCli(arguments, out, err, {});
-  return {status, out.str(), err.str()};
-}
 
 // A copy of the sample with an unknown locale folder beside it: findings at every level,
 // with and without a position, and one about the folder itself.

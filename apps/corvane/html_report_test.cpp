@@ -25,21 +25,9 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
+using testing::run;
 using testing::TemporaryFolder;
 using tinyxml2::XMLElement;
-
-struct Run {
-  int status;
-  std::string out;
-};
-
-Run run(const std::vector<std::string>& arguments) {
-  std::ostringstream out;
-  std::ostringstream err;
-  const int status = runCli(arguments, out, err, {});
-  EXPECT_EQ(err.str(), "");
-  return {status, out.str()};
-}
 
 bool hasClass(const XMLElement& element, std::string_view name) {
   const char* classes = element.Attribute("class");
@@ -124,6 +112,7 @@ TEST(HtmlReportTest, ShowsEachLocalesFieldsWithTheirLengthsFindingsAndChecklist)
   testing::writeFile(sample / "en-US" / "description.txt", longText + "\n");
 
   const auto result = run({"check", sample.string(), "--format", "html"});
+  EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.status, exitBlocked);
   Page page;
   ASSERT_NO_FATAL_FAILURE(parse(result.out, page));
@@ -227,6 +216,7 @@ TEST(HtmlReportTest, TheDecisionFollowsTheBlockersAndAFolderNameIsEscaped) {
   const auto sample = testing::copySample(temporary.path() / "meta\xFF<i>&data");
   testing::writeFile(sample / "de-DE" / "name.txt", "Corvane Notizen\n");
   const auto result = run({"check", sample.string(), "--format", "html"});
+  EXPECT_EQ(result.err, "");
   EXPECT_EQ(result.status, exitReady);
   Page page;
   ASSERT_NO_FATAL_FAILURE(parse(result.out, page));
@@ -242,6 +232,7 @@ TEST(HtmlReportTest, TheDecisionFollowsTheBlockersAndAFolderNameIsEscaped) {
 TEST(HtmlReportTest, APlayFolderHasItsLocalesAndNoSharedCard) {
   const auto sample = CorvaneResources::samplePlayMetadataDirectory();
   const auto result = run({"check", sample.string(), "--format", "html"});
+  EXPECT_EQ(result.err, "");
   Page page;
   ASSERT_NO_FATAL_FAILURE(parse(result.out, page));
   std::set<std::string> expected;

@@ -19,50 +19,30 @@ BusinessValidationResult businessResult(BusinessImpact impact, bool blocks = fal
                                   .visualPriority = 10};
 }
 
-TEST(BusinessValidationResult, ColorSchemeFollowsTheImpact) {
-  EXPECT_EQ(businessResult(BusinessImpact::blocker("r")).colorScheme(), ValidationColorScheme::critical);
-  EXPECT_EQ(businessResult(BusinessImpact::rejectionRisk(Risk::high)).colorScheme(), ValidationColorScheme::error);
-  EXPECT_EQ(businessResult(BusinessImpact::rejectionRisk(Risk::medium)).colorScheme(), ValidationColorScheme::warning);
-  EXPECT_EQ(businessResult(BusinessImpact::rejectionRisk(Risk::low)).colorScheme(), ValidationColorScheme::warning);
-  EXPECT_EQ(businessResult(BusinessImpact::suboptimal("a")).colorScheme(), ValidationColorScheme::suggestion);
-  EXPECT_EQ(businessResult(BusinessImpact::opportunity("b")).colorScheme(), ValidationColorScheme::opportunity);
-}
-
-TEST(BusinessValidationResult, SuccessMeansSuboptimalOrOpportunity) {
-  EXPECT_TRUE(businessResult(BusinessImpact::suboptimal("a")).isSuccess());
-  EXPECT_TRUE(businessResult(BusinessImpact::opportunity("b")).isSuccess());
-  EXPECT_FALSE(businessResult(BusinessImpact::blocker("r")).isSuccess());
-  EXPECT_FALSE(businessResult(BusinessImpact::rejectionRisk(Risk::low)).isSuccess());
-  // Blocking does not enter into it.
-  EXPECT_TRUE(businessResult(BusinessImpact::suboptimal("a"), /*blocks=*/true).isSuccess());
-}
-
-TEST(BusinessValidationResult, ShowsImmediatelyOnlyForImmediateTiming) {
-  const auto impact = BusinessImpact::blocker("r");
-  EXPECT_TRUE(businessResult(impact, true, DisplayTiming::immediate()).shouldShowImmediately());
-  EXPECT_FALSE(businessResult(impact, true, DisplayTiming::delayed(0.0)).shouldShowImmediately());
-  EXPECT_FALSE(businessResult(impact, true, DisplayTiming::onInteraction()).shouldShowImmediately());
-  EXPECT_FALSE(businessResult(impact, true, DisplayTiming::onBlur()).shouldShowImmediately());
-  EXPECT_FALSE(businessResult(impact, true, DisplayTiming::onFocus()).shouldShowImmediately());
-}
-
-TEST(BusinessValidationResultLegacy, SeverityComesFromTheImpactAndValidityFromBlocking) {
+// Each impact decides the colour, whether the result counts as a success and the legacy
+// severity; blocking decides only the legacy validity.
+TEST(BusinessValidationResult, TheImpactDecidesColourSuccessAndLegacySeverity) {
   struct Case {
     BusinessImpact impact;
+    ValidationColorScheme scheme;
+    bool success;
     ValidationSeverity severity;
   };
   const Case cases[] = {
-      {BusinessImpact::blocker("r"), ValidationSeverity::critical},
-      {BusinessImpact::rejectionRisk(Risk::high), ValidationSeverity::error},
-      {BusinessImpact::rejectionRisk(Risk::medium), ValidationSeverity::warning},
-      {BusinessImpact::rejectionRisk(Risk::low), ValidationSeverity::warning},
-      {BusinessImpact::suboptimal("a"), ValidationSeverity::warning},
-      {BusinessImpact::opportunity("b"), ValidationSeverity::info},
+      {BusinessImpact::blocker("r"), ValidationColorScheme::critical, false, ValidationSeverity::critical},
+      {BusinessImpact::rejectionRisk(Risk::high), ValidationColorScheme::error, false, ValidationSeverity::error},
+      {BusinessImpact::rejectionRisk(Risk::medium), ValidationColorScheme::warning, false, ValidationSeverity::warning},
+      {BusinessImpact::rejectionRisk(Risk::low), ValidationColorScheme::warning, false, ValidationSeverity::warning},
+      {BusinessImpact::suboptimal("a"), ValidationColorScheme::suggestion, true, ValidationSeverity::warning},
+      {BusinessImpact::opportunity("b"), ValidationColorScheme::opportunity, true, ValidationSeverity::info},
   };
   for (const auto& c : cases) {
     for (bool blocks : {false, true}) {
       SCOPED_TRACE(describe(c.impact) + (blocks ? " blocking" : " not blocking"));
-      const auto legacy = businessResult(c.impact, blocks).asLegacyResult();
+      const auto result = businessResult(c.impact, blocks);
+      EXPECT_EQ(result.colorScheme(), c.scheme);
+      EXPECT_EQ(result.isSuccess(), c.success);
+      const auto legacy = result.asLegacyResult();
       EXPECT_EQ(legacy.isValid, !blocks);
       EXPECT_EQ(legacy.severity, c.severity);
       EXPECT_EQ(legacy.message, "Message");
@@ -70,16 +50,19 @@ TEST(BusinessValidationResultLegacy, SeverityComesFromTheImpactAndValidityFromBl
   }
 }
 
+TEST(BusinessValidationResult, ShowsImmediatelyOnlyForImmediateTiming) {
+  const auto impact = BusinessImpact::blocker("r");
+  EXPECT_TRUE(businessResult(impact, true, DisplayTiming::immediate()).shouldShowImmediately());
+  for (const auto& timing : {DisplayTiming::delayed(0.0), DisplayTiming::onInteraction(), DisplayTiming::onBlur(),
+                             DisplayTiming::onFocus()}) {
+    EXPECT_FALSE(businessResult(impact, true, timing).shouldShowImmediately()) << describe(timing);
+  }
+}
+
 TEST(BusinessValidationResultLegacy, OpportunityWithoutGuidanceHasNoFix) {
   const auto legacy = businessResult(BusinessImpact::opportunity("b"), false).asLegacyResult();
   EXPECT_EQ(legacy, ValidationResult(true, ValidationSeverity::info, "Message"));
   EXPECT_FALSE(legacy.suggestedFix.has_value());
-}
-
-TEST(BusinessValidationResultLegacy, BlockingLowRiskIsAnInvalidWarning) {
-  const auto legacy = businessResult(BusinessImpact::rejectionRisk(Risk::low), true).asLegacyResult();
-  EXPECT_FALSE(legacy.isValid);
-  EXPECT_EQ(legacy.severity, ValidationSeverity::warning);
 }
 
 TEST(BusinessValidationResultLegacy, KeepsOnlyThePrimaryActionDescriptionAndDropsTheRest) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <initializer_list>
 #include <cstdint>
 #include <limits>
 
@@ -21,13 +22,6 @@ using Severity = ValidationSeverity;
 constexpr std::array kAllSeverities{Severity::none, Severity::info, Severity::warning, Severity::error,
                                     Severity::critical};
 
-void expectNoBusinessFields(const ValidationResult& result) {
-  EXPECT_FALSE(result.businessReason.has_value());
-  EXPECT_FALSE(result.businessImpact.has_value());
-  EXPECT_FALSE(result.actionGuidance.has_value());
-  EXPECT_FALSE(result.displayBehavior.has_value());
-}
-
 std::vector<std::string> manualSteps(const Action& action) {
   const auto* manual = action.type.getIf<ActionType::Manual>();
   EXPECT_NE(manual, nullptr) << describe(action.type);
@@ -36,81 +30,53 @@ std::vector<std::string> manualSteps(const Action& action) {
 
 // --- constructors and shared verdicts --------------------------------------------------
 
-TEST(ValidationResultConstruction, FourArgumentFormLeavesBusinessFieldsAbsent) {
-  const ValidationResult result(false, Severity::info, "Heads up", "Do this");
-  EXPECT_FALSE(result.isValid);
-  EXPECT_EQ(result.severity, Severity::info);
-  EXPECT_EQ(result.message, "Heads up");
-  EXPECT_EQ(result.suggestedFix, "Do this");
-  expectNoBusinessFields(result);
-  EXPECT_FALSE(ValidationResult(true, Severity::none, "").suggestedFix.has_value());
-}
-
-TEST(ValidationResultConstants, HaveTheirFixedValues) {
-  struct Expected {
-    const ValidationResult& constant;
-    bool isValid;
-    Severity severity;
-    const char* message;
+// The plain constructors, constants and factories: exactly the fields they are given or
+// name, and none of the business ones they do not.
+TEST(ValidationResultFactories, PlainFormsCarryOnlyWhatTheyName) {
+  const auto blocker = BusinessImpact::blocker("Required field");
+  const std::optional<std::string> none;
+  const std::string reason = "Required for App Store submission";
+  struct Case {
+    const char* name;
+    ValidationResult result;
+    ValidationResult expected;  // every field spelled out
   };
-  for (const auto& e : {Expected{ValidationResult::valid(), true, Severity::none, ""},
-                        Expected{ValidationResult::invalid(), false, Severity::error, "Invalid state"},
-                        Expected{ValidationResult::warning(), false, Severity::warning, "Warning state"},
-                        Expected{ValidationResult::info(), true, Severity::info, "Informational state"}}) {
-    SCOPED_TRACE(e.message);
-    EXPECT_EQ(e.constant.isValid, e.isValid);
-    EXPECT_EQ(e.constant.severity, e.severity);
-    EXPECT_EQ(e.constant.message, e.message);
-    EXPECT_FALSE(e.constant.suggestedFix.has_value());
-    expectNoBusinessFields(e.constant);
+  const Case cases[] = {
+      {"four arguments", ValidationResult(false, Severity::info, "Heads up", "Do this"),
+       ValidationResult(false, Severity::info, "Heads up", "Do this", none, std::nullopt, std::nullopt, std::nullopt)},
+      {"three arguments", ValidationResult(true, Severity::none, ""),
+       ValidationResult(true, Severity::none, "", none, none, std::nullopt, std::nullopt, std::nullopt)},
+      {"valid()", ValidationResult::valid(),
+       ValidationResult(true, Severity::none, "", none, none, std::nullopt, std::nullopt, std::nullopt)},
+      {"invalid()", ValidationResult::invalid(),
+       ValidationResult(false, Severity::error, "Invalid state", none, none, std::nullopt, std::nullopt, std::nullopt)},
+      {"warning()", ValidationResult::warning(),
+       ValidationResult(false, Severity::warning, "Warning state", none, none, std::nullopt, std::nullopt, std::nullopt)},
+      {"info()", ValidationResult::info(),
+       ValidationResult(true, Severity::info, "Informational state", none, none, std::nullopt, std::nullopt,
+                        std::nullopt)},
+      {"validRequired()", ValidationResult::validRequired(),
+       ValidationResult(true, Severity::none, "Valid required field", none, reason, blocker, std::nullopt,
+                        std::nullopt)},
+      {"validRequired(field)", ValidationResult::validRequired("App Name"),
+       ValidationResult(true, Severity::none, "App Name is valid", none, reason, blocker, std::nullopt, std::nullopt)},
+      {"failure with a fix", ValidationResult::failure(Severity::warning, "Too short", "Add words"),
+       ValidationResult(false, Severity::warning, "Too short", "Add words", none, std::nullopt, std::nullopt,
+                        std::nullopt)},
+      {"failure without a fix", ValidationResult::failure(Severity::error, "m"),
+       ValidationResult(false, Severity::error, "m", none, none, std::nullopt, std::nullopt, std::nullopt)},
+      {"info with a fix", ValidationResult::info("Consider a subtitle", "Add one"),
+       ValidationResult(true, Severity::info, "Consider a subtitle", "Add one", none, std::nullopt, std::nullopt,
+                        std::nullopt)},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(c.result, c.expected);
   }
-}
-
-TEST(ValidationResultConstants, ValidRequiredCarriesABlocker) {
-  const auto& result = ValidationResult::validRequired();
-  EXPECT_TRUE(result.isValid);
-  EXPECT_EQ(result.severity, Severity::none);
-  EXPECT_EQ(result.message, "Valid required field");
-  EXPECT_EQ(result.businessReason, "Required for App Store submission");
-  EXPECT_EQ(result.businessImpact, BusinessImpact::blocker("Required field"));
-  EXPECT_FALSE(result.actionGuidance.has_value());
-  EXPECT_FALSE(result.displayBehavior.has_value());
-}
-
-// --- factories --------------------------------------------------------------------------
-
-TEST(ValidationResultFactories, ValidRequiredNamesTheField) {
-  const auto result = ValidationResult::validRequired("App Name");
-  EXPECT_TRUE(result.isValid);
-  EXPECT_EQ(result.severity, Severity::none);
-  EXPECT_EQ(result.message, "App Name is valid");
-  EXPECT_FALSE(result.suggestedFix.has_value());
-  EXPECT_EQ(result.businessReason, "Required for App Store submission");
-  EXPECT_EQ(result.businessImpact, BusinessImpact::blocker("Required field"));
-  EXPECT_FALSE(result.actionGuidance.has_value());
-  EXPECT_FALSE(result.displayBehavior.has_value());
-}
-
-TEST(ValidationResultFactories, FailureInvalidAndInfoCarryOnlyWhatTheyAreGiven) {
-  const auto failure = ValidationResult::failure(Severity::warning, "Too short", "Add words");
-  EXPECT_FALSE(failure.isValid);
-  EXPECT_EQ(failure.severity, Severity::warning);
-  EXPECT_EQ(failure.message, "Too short");
-  EXPECT_EQ(failure.suggestedFix, "Add words");
-  expectNoBusinessFields(failure);
-
   for (Severity severity : kAllSeverities) {
     EXPECT_EQ(ValidationResult::invalid(severity, "m", "f"), ValidationResult::failure(severity, "m", "f"));
     EXPECT_EQ(ValidationResult::invalid(severity, "m"), ValidationResult::failure(severity, "m"));
   }
-  EXPECT_FALSE(ValidationResult::failure(Severity::error, "m").suggestedFix.has_value());
-
-  const auto info = ValidationResult::info("Consider a subtitle", "Add one");
-  EXPECT_TRUE(info.isValid);
-  EXPECT_EQ(info.severity, Severity::info);
-  EXPECT_EQ(info.message, "Consider a subtitle");
-  EXPECT_EQ(info.suggestedFix, "Add one");
-  expectNoBusinessFields(info);
 }
 
 TEST(ValidationResultFactories, RequiredBlocksAndLowersTheFieldInsideSentences) {
@@ -397,29 +363,24 @@ TEST(ValidationResultEquality, ComparesEveryOtherField) {
 
 // --- renderings -------------------------------------------------------------------------
 
+// Each enumeration's cases in declaration order, described by their names.
+template <class Enum>
+void expectNames(std::initializer_list<Enum> cases, std::initializer_list<const char*> names) {
+  ASSERT_EQ(cases.size(), names.size());
+  auto name = names.begin();
+  for (Enum value : cases) EXPECT_EQ(describe(value), *name++);
+}
+
 TEST(ResultEnumerations, DescribeAsTheirCaseNames) {
-  EXPECT_EQ(describe(Severity::none), "none");
-  EXPECT_EQ(describe(Severity::info), "info");
-  EXPECT_EQ(describe(Severity::warning), "warning");
-  EXPECT_EQ(describe(Severity::error), "error");
-  EXPECT_EQ(describe(Severity::critical), "critical");
-
-  EXPECT_EQ(describe(Style::critical), "critical");
-  EXPECT_EQ(describe(Style::error), "error");
-  EXPECT_EQ(describe(Style::warning), "warning");
-  EXPECT_EQ(describe(Style::suggestion), "suggestion");
-  EXPECT_EQ(describe(Style::info), "info");
-
   using Animation = ValidationResult::UIPresentation::AnimationType;
-  EXPECT_EQ(describe(Animation::none), "none");
-  EXPECT_EQ(describe(Animation::subtle), "subtle");
-  EXPECT_EQ(describe(Animation::pulse), "pulse");
-
-  EXPECT_EQ(describe(ValidationColorScheme::critical), "critical");
-  EXPECT_EQ(describe(ValidationColorScheme::error), "error");
-  EXPECT_EQ(describe(ValidationColorScheme::warning), "warning");
-  EXPECT_EQ(describe(ValidationColorScheme::suggestion), "suggestion");
-  EXPECT_EQ(describe(ValidationColorScheme::opportunity), "opportunity");
+  using Scheme = ValidationColorScheme;
+  expectNames({Severity::none, Severity::info, Severity::warning, Severity::error, Severity::critical},
+              {"none", "info", "warning", "error", "critical"});
+  expectNames({Style::critical, Style::error, Style::warning, Style::suggestion, Style::info},
+              {"critical", "error", "warning", "suggestion", "info"});
+  expectNames({Animation::none, Animation::subtle, Animation::pulse}, {"none", "subtle", "pulse"});
+  expectNames({Scheme::critical, Scheme::error, Scheme::warning, Scheme::suggestion, Scheme::opportunity},
+              {"critical", "error", "warning", "suggestion", "opportunity"});
 
   // Optional members render through the generic optional rendering.
   EXPECT_EQ(describe(ValidationResult::missingOptional("X", "b", {}).businessImpact),

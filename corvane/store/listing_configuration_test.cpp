@@ -1,6 +1,7 @@
 #include "corvane/store/listing_configuration.hpp"
 
 #include "corvane/store/store_facts.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ namespace corvane::store {
 namespace {
 
 namespace fs = std::filesystem;
+using corvane::testing::thrown;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
@@ -166,15 +168,12 @@ TEST_F(ListingConfigurationTest, ReportsTheFirstProblemWithItsLineAndKey) {
   for (const auto& [name, text, message, key] : cases) {
     SCOPED_TRACE(name);
     const fs::path file = write(text);
-    try {
-      read(file);
-      ADD_FAILURE() << "no error";
-    } catch (const ConfigurationError& error) {
-      EXPECT_EQ(error.what(), file.string() + ':' + std::string(message));
-      EXPECT_EQ(error.key(), key);
-      EXPECT_EQ(error.file(), file);
-      EXPECT_EQ(error.column(), 0u);
-    }
+    const auto error = thrown<ConfigurationError>([&] { read(file); });
+    if (!error) continue;
+    EXPECT_EQ(error->what(), file.string() + ':' + std::string(message));
+    EXPECT_EQ(error->key(), key);
+    EXPECT_EQ(error->file(), file);
+    EXPECT_EQ(error->column(), 0u);
   }
 }
 
@@ -193,17 +192,14 @@ TEST_F(ListingConfigurationTest, ReportsTheParsersPositionForBadTomlAndUtf8) {
   for (const auto& [name, text, line] : cases) {
     SCOPED_TRACE(name);
     const fs::path file = write(text);
-    try {
-      read(file);
-      ADD_FAILURE() << "no error";
-    } catch (const ConfigurationError& error) {
-      EXPECT_EQ(error.line(), line);
-      EXPECT_GT(error.column(), 0u);
-      EXPECT_THAT(error.what(),
-                  StartsWith(file.string() + ':' + std::to_string(line) + ':' + std::to_string(error.column()) + ": "));
-      EXPECT_GT(std::string_view(error.what()).size(), file.string().size() + 8) << "no description";
-      EXPECT_EQ(error.key(), "");
-    }
+    const auto error = thrown<ConfigurationError>([&] { read(file); });
+    if (!error) continue;
+    EXPECT_EQ(error->line(), line);
+    EXPECT_GT(error->column(), 0u);
+    EXPECT_THAT(error->what(),
+                StartsWith(file.string() + ':' + std::to_string(line) + ':' + std::to_string(error->column()) + ": "));
+    EXPECT_GT(std::string_view(error->what()).size(), file.string().size() + 8) << "no description";
+    EXPECT_EQ(error->key(), "");
   }
 }
 
@@ -223,14 +219,11 @@ TEST_F(ListingConfigurationTest, ReportsFilesThatCannotBeRead) {
   };
   for (const auto& [name, file, message] : cases) {
     SCOPED_TRACE(name);
-    try {
-      read(file);
-      ADD_FAILURE() << "no error";
-    } catch (const ConfigurationError& error) {
-      EXPECT_EQ(error.what(), file.string() + ": " + message);
-      EXPECT_EQ(error.line(), 0u);
-      EXPECT_EQ(error.key(), "");
-    }
+    const auto error = thrown<ConfigurationError>([&] { read(file); });
+    if (!error) continue;
+    EXPECT_EQ(error->what(), file.string() + ": " + message);
+    EXPECT_EQ(error->line(), 0u);
+    EXPECT_EQ(error->key(), "");
   }
 }
 

@@ -6,6 +6,7 @@
 #include "corvane/store/store_listing.hpp"
 #include "corvane/testing/file_permissions_enforced.hpp"
 #include "corvane/testing/temporary_folder.hpp"
+#include "corvane/testing/thrown.hpp"
 #include "corvane/tracking/unified_change_tracker.hpp"
 
 #include <gmock/gmock.h>
@@ -28,6 +29,8 @@ namespace fs = std::filesystem;
 using corvane::testing::FilePermissionsEnforced;
 using corvane::testing::readFile;
 using corvane::testing::TemporaryFolder;
+using corvane::testing::thrown;
+using corvane::testing::thrownMessage;
 using corvane::testing::writeFile;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -199,12 +202,7 @@ TEST(ListingEditTest, EditRefusesUnknownScopesAndFields) {
              [&] { listing.edit(scope, field, "x"); }, [&] { listing.discard(scope, field); },
              [&] { (void)listing.source(scope, field); }, [&] { listing.keepDiskText(scope, field); },
              [&] { listing.keepEditedText(scope, field); }}) {
-      try {
-        call();
-        ADD_FAILURE() << "no error";
-      } catch (const std::invalid_argument& error) {
-        EXPECT_EQ(std::string(error.what()), message);
-      }
+      EXPECT_EQ(thrownMessage<std::invalid_argument>(call), message);
     }
   }
   EXPECT_THROW(listing.discard("ja"), std::invalid_argument);
@@ -353,14 +351,11 @@ TEST(ListingConflictTest, AWriteOverAFileChangedOnDiskIsRefusedWithNothingWritte
     listing.edit("shared", ListingField::copyright, "2026 Corvane Ltd");  // writable, and still not written
     change(root);
     const auto before = snapshot(root);
-    try {
-      listing.writeChanges();
-      ADD_FAILURE() << "no conflict";
-    } catch (const ConflictError& error) {
-      EXPECT_EQ(error.conflicts(), conflicts);
-      EXPECT_THAT(error.what(), HasSubstr(conflicts[0].file + " was changed on disk since it was read or written "
-                                                              "here; nothing was written"));
-    }
+    const auto error = thrown<ConflictError>([&] { listing.writeChanges(); });
+    ASSERT_TRUE(error);
+    EXPECT_EQ(error->conflicts(), conflicts);
+    EXPECT_THAT(error->what(), HasSubstr(conflicts[0].file + " was changed on disk since it was read or written "
+                                                             "here; nothing was written"));
     EXPECT_EQ(snapshot(root), before);
     EXPECT_EQ(listing.entity(conflicts[0].scope)->text(conflicts[0].field), conflicts[0].editedText);
     EXPECT_TRUE(listing.shared().hasUnsavedChanges());
@@ -530,14 +525,8 @@ TEST(ListingWriteTest, AReadOnlyFileIsRefusedWithNothingWritten) {
     const int fd = ::open(readOnly.c_str(), O_WRONLY | O_CLOEXEC);
     if (fd >= 0) ::close(fd);
     ASSERT_LT(fd, 0) << "the file is writable to this test after all";
-    try {
-      listing.writeChanges();
-      ADD_FAILURE() << "no error";
-    } catch (const ConflictError&) {
-      ADD_FAILURE() << "not a conflict";
-    } catch (const InputError& error) {
-      EXPECT_EQ(std::string(error.what()), readOnly.string() + ": the file is read-only; nothing was written");
-    }
+    EXPECT_EQ(thrownMessage<InputError>([&] { listing.writeChanges(); }),
+              readOnly.string() + ": the file is read-only; nothing was written");
   }
   EXPECT_EQ(snapshot(root), before);
   EXPECT_EQ(fs::status(readOnly).permissions() & fs::perms::all,
@@ -627,12 +616,7 @@ TEST(AddLocaleTest, RefusesCodesWithAPlainSentence) {
   };
   for (const auto& [code, copyFrom, message] : cases) {
     SCOPED_TRACE(code);
-    try {
-      listing.addLocale(code, copyFrom);
-      ADD_FAILURE() << "no error";
-    } catch (const std::invalid_argument& error) {
-      EXPECT_EQ(std::string(error.what()), message);
-    }
+    EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { listing.addLocale(code, copyFrom); }), message);
   }
   EXPECT_EQ(scopesOf(listing), (std::vector<std::string>{"de-DE", "en-US", "fr-FR"}));
   EXPECT_EQ(listing.addLocale("en-XA").scope(), "en-XA") << "a code the configuration adds";
@@ -686,12 +670,8 @@ TEST(AddLocaleTest, APlayChangelogIsWrittenUnderTheNewestVersionCode) {
   first.addLocale("de-DE");
   first.edit("de-DE", ListingField::changelog, "Neu");
   const auto before = snapshot(unversioned.path());
-  try {
-    first.writeChanges();
-    ADD_FAILURE() << "no error";
-  } catch (const InputError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("de-DE/changelogs: no version code to name the changelog after"));
-  }
+  EXPECT_THAT(thrownMessage<InputError>([&] { first.writeChanges(); }),
+              HasSubstr("de-DE/changelogs: no version code to name the changelog after"));
   EXPECT_EQ(snapshot(unversioned.path()), before);
 }
 

@@ -4,6 +4,7 @@
 #include "corvane/store/store_listing.hpp"
 #include "corvane/testing/temporary_folder.hpp"
 #include "corvane/testing/test_main_loop.hpp"
+#include "corvane/testing/thrown.hpp"
 #include "corvane/tracking/change_tracking_error.hpp"
 
 #include <gmock/gmock.h>
@@ -38,12 +39,8 @@ TEST(ListingSubmissionTest, StandsForTheListingsUnsavedEdits) {
   // submission is blocked, and says so.
   listing.edit("de-DE", ListingField::name, "Notizen Plus");
   corvane::testing::TestMainLoop loop;
-  try {
-    loop.run(submission.saveChanges());
-    ADD_FAILURE() << "submitted";
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_THAT(error.what(), ::testing::StartsWith("Cannot submit: "));
-  }
+  EXPECT_THAT(corvane::testing::thrownMessage<ChangeTrackingError>([&] { loop.run(submission.saveChanges()); }),
+              ::testing::StartsWith("Cannot submit: "));
   EXPECT_TRUE(submission.hasUnsavedChanges());
 }
 

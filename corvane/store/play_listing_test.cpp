@@ -7,6 +7,7 @@
 #include "corvane/store/store_facts.hpp"
 #include "corvane/store/store_listing.hpp"
 #include "corvane/testing/temporary_folder.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -61,29 +62,24 @@ struct Case {
 };
 
 TEST(PlayRulesTest, PlantedFaultsAreFoundAndNearMissesStaySilent) {
+  using enum ListingField;
   const std::vector<Case> cases = {
       // required fields and limits
-      {"title at the limit", ListingField::title, std::string(30, 't'), {}},
-      {"title one over", ListingField::title, std::string(31, 't'), {"title.length"}},
-      {"empty title", ListingField::title, "\n", {"title.required"}},
-      {"short description at the limit", ListingField::shortDescription, std::string(80, 's'), {}},
-      {"short description one over",
-       ListingField::shortDescription,
-       std::string(81, 's'),
-       {"short-description.length"}},
-      {"empty short description", ListingField::shortDescription, "", {"short-description.required"}},
-      {"full description one over", ListingField::fullDescription, std::string(4001, 'f'), {"full-description.length"}},
-      {"empty full description", ListingField::fullDescription, "", {"full-description.required"}},
-      {"no video is a missed opportunity", ListingField::video, "", {"video.missing"}},
-      {"no changelog is fine", ListingField::changelog, "", {}},
-      {"changelog at the limit", ListingField::changelog, std::string(500, 'c'), {}},
-      {"changelog one over", ListingField::changelog, std::string(501, 'c'), {"changelog.length"}},
-      {"default changelog one over",
-       ListingField::defaultChangelog,
-       std::string(501, 'c'),
-       {"default-changelog.length"}},
+      {"title at the limit", title, std::string(30, 't'), {}},
+      {"title one over", title, std::string(31, 't'), {"title.length"}},
+      {"empty title", title, "\n", {"title.required"}},
+      {"short description at the limit", shortDescription, std::string(80, 's'), {}},
+      {"short description one over", shortDescription, std::string(81, 's'), {"short-description.length"}},
+      {"empty short description", shortDescription, "", {"short-description.required"}},
+      {"full description one over", fullDescription, std::string(4001, 'f'), {"full-description.length"}},
+      {"empty full description", fullDescription, "", {"full-description.required"}},
+      {"no video is a missed opportunity", video, "", {"video.missing"}},
+      {"no changelog is fine", changelog, "", {}},
+      {"changelog at the limit", changelog, std::string(500, 'c'), {}},
+      {"changelog one over", changelog, std::string(501, 'c'), {"changelog.length"}},
+      {"default changelog one over", defaultChangelog, std::string(501, 'c'), {"default-changelog.length"}},
       {"500 Japanese characters",
-       ListingField::changelog,
+       changelog,
        [] {
          std::string text;
          for (int i = 0; i < 500; ++i) text += "\u30E1";
@@ -92,53 +88,47 @@ TEST(PlayRulesTest, PlantedFaultsAreFoundAndNearMissesStaySilent) {
        {},
        "ja-JP"},
       // the video address
-      {"video on a video site", ListingField::video, "https://www.youtube.com/watch?v=Xk3n9Q", {}},
-      {"video that is no address", ListingField::video, "youtube video", {"url.invalid"}},
-      {"video over http", ListingField::video, "http://videos.larkspur-labs.app/intro", {"url.insecure"}},
-      {"video on a placeholder domain", ListingField::video, "https://example.com/video", {"address.placeholder"}},
+      {"video on a video site", video, "https://www.youtube.com/watch?v=Xk3n9Q", {}},
+      {"video that is no address", video, "youtube video", {"url.invalid"}},
+      {"video over http", video, "http://videos.larkspur-labs.app/intro", {"url.insecure"}},
+      {"video on a placeholder domain", video, "https://example.com/video", {"address.placeholder"}},
       // emoji and emoticons
-      {"emoji", ListingField::title, "Notes \U0001F4DD Planner", {"title.emoji"}},
-      {"emoji sequence counts once", ListingField::title, "Notes \U0001F469\u200D\U0001F4BB", {"title.emoji"}},
-      {"flag", ListingField::title, "Notes \U0001F1EF\U0001F1F5", {"title.emoji"}},
-      {"keycap", ListingField::title, "Notes 1\uFE0F\u20E3", {"title.emoji"}},
-      {"heart symbol", ListingField::title, "Notes \u2764", {"title.emoji"}},
-      {"emoticon", ListingField::title, "Notes :)", {"title.emoji"}},
-      {"two emoticons", ListingField::title, "<3 Notes ;-)", {"title.emoji", "title.emoji"}},
-      {"a time is no emoticon", ListingField::title, "Standup 9:30", {}},
-      {"a trade mark sign is no emoji", ListingField::title, "Corvane\u2122 Notes\u00AE", {}},
-      {"an en dash and an ampersand", ListingField::title, "Notes \u2013 Focus & Plan", {}},
-      {"emoji in the description are not the title's business",
-       ListingField::fullDescription,
-       "Plan \U0001F4DD :)",
-       {}},
+      {"emoji", title, "Notes \U0001F4DD Planner", {"title.emoji"}},
+      {"emoji sequence counts once", title, "Notes \U0001F469\u200D\U0001F4BB", {"title.emoji"}},
+      {"flag", title, "Notes \U0001F1EF\U0001F1F5", {"title.emoji"}},
+      {"keycap", title, "Notes 1\uFE0F\u20E3", {"title.emoji"}},
+      {"heart symbol", title, "Notes \u2764", {"title.emoji"}},
+      {"emoticon", title, "Notes :)", {"title.emoji"}},
+      {"two emoticons", title, "<3 Notes ;-)", {"title.emoji", "title.emoji"}},
+      {"a time is no emoticon", title, "Standup 9:30", {}},
+      {"a trade mark sign is no emoji", title, "Corvane\u2122 Notes\u00AE", {}},
+      {"an en dash and an ampersand", title, "Notes \u2013 Focus & Plan", {}},
+      {"emoji in the description are not the title's business", fullDescription, "Plan \U0001F4DD :)", {}},
       // capitals
-      {"all capitals", ListingField::title, "NOTES PLANNER", {"title.capitals"}},
-      {"an abbreviation inside a title", ListingField::title, "NASA Sky Explorer", {}},
-      {"a short abbreviation alone", ListingField::title, "BBC", {}},
-      {"capitals with digits and accents", ListingField::title, "\u00C9T\u00C9 2026 PLANNER", {"title.capitals"}},
-      {"a script without case", ListingField::title, "\u30E1\u30E2\u5E33", {}, "ja-JP"},
+      {"all capitals", title, "NOTES PLANNER", {"title.capitals"}},
+      {"an abbreviation inside a title", title, "NASA Sky Explorer", {}},
+      {"a short abbreviation alone", title, "BBC", {}},
+      {"capitals with digits and accents", title, "\u00C9T\u00C9 2026 PLANNER", {"title.capitals"}},
+      {"a script without case", title, "\u30E1\u30E2\u5E33", {}, "ja-JP"},
       // claims and calls to action, whole words in any letter case
-      {"free", ListingField::title, "FREE notes", {"title.claim"}},
-      {"free inside Freedom", ListingField::title, "Freedom Notes", {}},
-      {"best", ListingField::title, "Best Notes App", {"title.claim"}},
-      {"number one", ListingField::title, "#1 Notes", {"title.claim"}},
-      {"top", ListingField::title, "Top Notes", {"title.claim"}},
-      {"top inside Topology", ListingField::title, "Topology Notes", {}},
-      {"new", ListingField::title, "Notes New", {"title.claim"}},
-      {"new inside Newton", ListingField::title, "Newton Notes", {}},
-      {"sale", ListingField::title, "Notes Sale", {"title.claim"}},
-      {"call to action", ListingField::title, "Notes - Download Now", {"title.claim"}},
-      {"install", ListingField::title, "Install Notes", {"title.claim"}},
-      {"installer is another word", ListingField::title, "Notes Installer", {}},
-      {"English claims in a German title", ListingField::title, "Notizen Free", {"title.claim"}, "de-DE"},
-      {"claims outside the title are Play's business only there",
-       ListingField::shortDescription,
-       "The best free notes app",
-       {}},
+      {"free", title, "FREE notes", {"title.claim"}},
+      {"free inside Freedom", title, "Freedom Notes", {}},
+      {"best", title, "Best Notes App", {"title.claim"}},
+      {"number one", title, "#1 Notes", {"title.claim"}},
+      {"top", title, "Top Notes", {"title.claim"}},
+      {"top inside Topology", title, "Topology Notes", {}},
+      {"new", title, "Notes New", {"title.claim"}},
+      {"new inside Newton", title, "Newton Notes", {}},
+      {"sale", title, "Notes Sale", {"title.claim"}},
+      {"call to action", title, "Notes - Download Now", {"title.claim"}},
+      {"install", title, "Install Notes", {"title.claim"}},
+      {"installer is another word", title, "Notes Installer", {}},
+      {"English claims in a German title", title, "Notizen Free", {"title.claim"}, "de-DE"},
+      {"claims outside the title are Play's business only there", shortDescription, "The best free notes app", {}},
       // content rules Play shares, and those it does not
-      {"placeholder text", ListingField::fullDescription, "Lorem ipsum dolor", {"content.placeholder"}},
-      {"Android is at home on Play", ListingField::fullDescription, "Works on Android 8 and newer.", {}},
-      {"future features are App Store review's concern", ListingField::fullDescription, "Widgets coming soon.", {}},
+      {"placeholder text", fullDescription, "Lorem ipsum dolor", {"content.placeholder"}},
+      {"Android is at home on Play", fullDescription, "Works on Android 8 and newer.", {}},
+      {"future features are App Store review's concern", fullDescription, "Widgets coming soon.", {}},
   };
   for (const auto& c : cases) {
     const ListingRules rules(play(), {}, c.locale, kContext);
@@ -326,12 +316,8 @@ TEST(PlayListingTest, TheLayoutIsToldByTheFilesOfTheLocaleFolders) {
 TEST(PlayListingTest, AnAppStoreFolderReadAsPlaysIsRefusedInPlainWords) {
   const TemporaryFolder folder;
   writeFile(folder.path() / "en-US/name.txt", "Notes\n");
-  try {
-    (void)readListingFolder(folder.path(), play());
-    ADD_FAILURE() << "no InputError";
-  } catch (const InputError& error) {
-    EXPECT_THAT(error.what(), HasSubstr("en-US: locale folder holds none of the metadata files"));
-  }
+  EXPECT_THAT(corvane::testing::thrownMessage<InputError>([&] { (void)readListingFolder(folder.path(), play()); }),
+              HasSubstr("en-US: locale folder holds none of the metadata files"));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include "corvane/store/input_error.hpp"
 #include "corvane/testing/temporary_folder.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -28,13 +29,7 @@ using corvane::testing::writeFile;
 
 // The message of the InputError `action` throws; a test failure when it throws none.
 std::string inputErrorOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const InputError& error) {
-    return error.what();
-  }
-  ADD_FAILURE() << "no InputError";
-  return {};
+  return corvane::testing::thrownMessage<InputError>(action);
 }
 
 // The names in `folder`, so that a test sees any temporary file left behind.

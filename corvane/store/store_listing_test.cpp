@@ -3,6 +3,7 @@
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/store_facts.hpp"
 #include "corvane/testing/temporary_folder.hpp"
+#include "corvane/testing/thrown.hpp"
 #include "corvane/tracking/unified_change_tracker.hpp"
 
 #include <gmock/gmock.h>
@@ -36,13 +37,7 @@ std::string describeAll(const std::vector<ListingFinding>& findings) {
 }
 
 std::string inputErrorOf(const fs::path& root) {
-  try {
-    (void)readListingFolder(root, facts());
-  } catch (const InputError& error) {
-    return error.what();
-  }
-  ADD_FAILURE() << "no InputError for " << root;
-  return {};
+  return corvane::testing::thrownMessage<InputError>([&] { (void)readListingFolder(root, facts()); });
 }
 
 TEST(StoreListingTest, ARealisticListingInManyScriptsHasNoFinding) {

@@ -2,6 +2,7 @@
 
 #include "corvane/cache/validation_cache.hpp"
 #include "corvane/testing/test_main_loop.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gtest/gtest.h>
 
@@ -87,12 +88,7 @@ TEST(TrackableEntitySave, FailingWillSaveAbortsBeforeTheCacheIsTouched) {
   HookedEntity entity("entity-save-fails");
   entity.failWillSave = true;
   ASSERT_TRUE(cacheEntryFor(entity.entityId()));
-  try {
-    loop.run(entity.saveChanges());
-    FAIL() << "saveChanges should have failed";
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "store unreachable");
-  }
+  EXPECT_EQ(testing::thrownMessage<std::runtime_error>([&] { loop.run(entity.saveChanges()); }), "store unreachable");
   EXPECT_EQ(entity.log, (std::vector<std::string>{"willSave (cached)"})) << "didSave must not run";
   EXPECT_TRUE(isCached(entity.entityId()));
 }

@@ -55,69 +55,61 @@ TEST(TrackedDeclaration, EmptyValueFormWorksForAnyEquatableType) {
 
 // --- presets ----------------------------------------------------------------------------
 
-TEST(TrackedPresets, AppNameIsRequiredAndLimitedToThirtyCharacters) {
-  Tracked<std::string> appName = Tracked<std::string>::appNameDSL("   ");
-  EXPECT_EQ(appName.validationResult(),
-            lean(false, Severity::critical, "App name is required", BusinessImpact::blocker("Required field")));
-
-  appName.setWrappedValue("Hello");
-  EXPECT_EQ(appName.validationResult(),
-            lean(true, Severity::none, "App name is valid", BusinessImpact::blocker("Required field")));
-
-  appName.setWrappedValue(std::string(30, 'n'));
-  EXPECT_TRUE(appName.validationResult().isValid);
-  appName.setWrappedValue(std::string(31, 'n'));
-  EXPECT_EQ(appName.validationResult().severity, Severity::error);
-  EXPECT_EQ(appName.validationResult().displayPriority(), 700);
-  EXPECT_EQ(appName.validationResult().message, "App name is 1 characters too long");
-  appName.setWrappedValue(std::string(60, 'n'));
-  EXPECT_EQ(appName.validationResult().severity, Severity::error);
-  appName.setWrappedValue(std::string(61, 'n'));
-  EXPECT_EQ(appName.validationResult().severity, Severity::critical);
-  EXPECT_EQ(appName.validationResult().displayPriority(), 900);
-}
-
-TEST(TrackedPresets, SubtitleIsRequiredAndLimitedToThirtyCharacters) {
-  Tracked<std::string> subtitle = Tracked<std::string>::subtitleDSL("");
-  EXPECT_EQ(subtitle.validationResult().message, "Subtitle is required");
-  subtitle.setWrappedValue(std::string(31, 's'));
-  EXPECT_EQ(subtitle.validationResult().message, "Subtitle is 1 characters too long");
-  subtitle.setWrappedValue("Fast notes");
-  EXPECT_EQ(subtitle.validationResult().message, "Subtitle is valid");
-}
-
-TEST(TrackedPresets, DescriptionIsOptionalWithASuggestionWhenEmpty) {
-  Tracked<std::string> description = Tracked<std::string>::descriptionDSL("");
-  EXPECT_EQ(description.validationResult(),
-            lean(true, Severity::info, "Consider adding detailed description",
-                 BusinessImpact::opportunity("Detailed descriptions help users understand your app better")));
-  description.setWrappedValue(std::string(4000, 'd'));
-  EXPECT_EQ(description.validationResult(), lean(true, Severity::none, "Description is valid"));
-  description.setWrappedValue(std::string(4001, 'd'));
-  EXPECT_EQ(description.validationResult().message, "Description is 1 characters too long");
-}
-
-TEST(TrackedPresets, KeywordsAreOptionalAndLimitedToAHundredCharacters) {
-  Tracked<std::string> keywords = Tracked<std::string>::keywordsDSL(std::string(100, 'k'));
-  EXPECT_EQ(keywords.validationResult(), lean(true, Severity::none, "Keywords is valid"));
-  keywords.setWrappedValue(std::string(101, 'k'));
-  EXPECT_EQ(keywords.validationResult().message, "Keywords is 1 characters too long");
-  keywords.setWrappedValue("");
-  EXPECT_EQ(keywords.validationResult(),
-            lean(true, Severity::info, "Consider adding relevant keywords",
-                 BusinessImpact::opportunity("Keywords help users discover your app in search")));
-}
-
-TEST(TrackedPresets, SupportURLWarnsWithoutAWebSchemeAndNeverSuggests) {
-  Tracked<std::string> supportURL = Tracked<std::string>::supportURLDSL("");
-  EXPECT_EQ(supportURL.validationResult(), ValidationResult::valid()) << "the custom check ends the rule";
-  supportURL.setWrappedValue("support.example.com");
-  EXPECT_EQ(supportURL.validationResult(), lean(false, Severity::warning, "Support URL should start with https://",
-                                                BusinessImpact::suboptimal("URL format")));
-  supportURL.setWrappedValue("http://example.com/help");
-  EXPECT_EQ(supportURL.validationResult(), ValidationResult::valid());
-  supportURL.setWrappedValue("https://example.com/help");
-  EXPECT_EQ(supportURL.validationResult(), ValidationResult::valid());
+// Each preset judged at the edges of its rule: what is required, where the limit lies and
+// what an empty optional value suggests. The tooLong severities are the rule language's own.
+TEST(TrackedPresets, JudgeEachValueByTheirRule) {
+  using Preset = Tracked<std::string> (*)(std::string);
+  const auto blocker = BusinessImpact::blocker("Required field");
+  const auto urlWarning =
+      lean(false, Severity::warning, "Support URL should start with https://", BusinessImpact::suboptimal("URL format"));
+  struct Case {
+    const char* name;
+    Preset preset;
+    std::string value;
+    ValidationResult expected;
+  };
+  const Case cases[] = {
+      {"blank app name", &Tracked<std::string>::appNameDSL, "   ",
+       lean(false, Severity::critical, "App name is required", blocker)},
+      {"app name", &Tracked<std::string>::appNameDSL, "Hello", lean(true, Severity::none, "App name is valid", blocker)},
+      {"app name at the limit", &Tracked<std::string>::appNameDSL, std::string(30, 'n'),
+       lean(true, Severity::none, "App name is valid", blocker)},
+      {"app name one over", &Tracked<std::string>::appNameDSL, std::string(31, 'n'),
+       ValidationResult::tooLong("App name", 30, 31, [] {})},
+      {"empty subtitle", &Tracked<std::string>::subtitleDSL, "",
+       lean(false, Severity::critical, "Subtitle is required", blocker)},
+      {"subtitle one over", &Tracked<std::string>::subtitleDSL, std::string(31, 's'),
+       ValidationResult::tooLong("Subtitle", 30, 31, [] {})},
+      {"subtitle", &Tracked<std::string>::subtitleDSL, "Fast notes",
+       lean(true, Severity::none, "Subtitle is valid", blocker)},
+      {"empty description", &Tracked<std::string>::descriptionDSL, "",
+       lean(true, Severity::info, "Consider adding detailed description",
+            BusinessImpact::opportunity("Detailed descriptions help users understand your app better"))},
+      {"description at the limit", &Tracked<std::string>::descriptionDSL, std::string(4000, 'd'),
+       lean(true, Severity::none, "Description is valid")},
+      {"description one over", &Tracked<std::string>::descriptionDSL, std::string(4001, 'd'),
+       ValidationResult::tooLong("Description", 4000, 4001, [] {})},
+      {"keywords at the limit", &Tracked<std::string>::keywordsDSL, std::string(100, 'k'),
+       lean(true, Severity::none, "Keywords is valid")},
+      {"keywords one over", &Tracked<std::string>::keywordsDSL, std::string(101, 'k'),
+       ValidationResult::tooLong("Keywords", 100, 101, [] {})},
+      {"empty keywords", &Tracked<std::string>::keywordsDSL, "",
+       lean(true, Severity::info, "Consider adding relevant keywords",
+            BusinessImpact::opportunity("Keywords help users discover your app in search"))},
+      // The custom check ends the rule, so an empty support URL gets no suggestion.
+      {"empty support URL", &Tracked<std::string>::supportURLDSL, "", ValidationResult::valid()},
+      {"support URL without a scheme", &Tracked<std::string>::supportURLDSL, "support.example.com", urlWarning},
+      {"http support URL", &Tracked<std::string>::supportURLDSL, "http://example.com/help", ValidationResult::valid()},
+      {"https support URL", &Tracked<std::string>::supportURLDSL, "https://example.com/help", ValidationResult::valid()},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    EXPECT_EQ(c.preset(c.value).validationResult(), c.expected) << "as built";
+    // Set after construction, the value is judged the same way.
+    Tracked<std::string> edited = c.preset(c.value == "x" ? "y" : "x");
+    edited.setWrappedValue(c.value);
+    EXPECT_EQ(edited.validationResult(), c.expected) << "as set";
+  }
 }
 
 TEST(TrackedPresets, StartUnchangedAndUnnamed) {

@@ -3,6 +3,7 @@
 #include "corvane/support/sleep.hpp"
 #include "corvane/testing/captured_lines.hpp"
 #include "corvane/testing/test_main_loop.hpp"
+#include "corvane/testing/thrown.hpp"
 #include "corvane/tracking/tracked.hpp"
 
 #include <boost/asio/co_spawn.hpp>
@@ -26,6 +27,8 @@ namespace corvane {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::thrown;
+using testing::thrownMessage;
 
 // An entity whose state a test sets directly, and which records what was done to it.
 class FakeEntity final : public TrackableEntity {
@@ -177,31 +180,18 @@ TEST_F(UnifiedChangeTrackerTest, AggregateTextsCountChangedAndInvalidEntities) {
 
 TEST_F(UnifiedChangeTrackerTest, SubmitChecksPresenceChangesAndValidityInThatOrder) {
   auto a = add("a", "Alpha");
-  auto submit = [&](std::string id) { loop.run(tracker.submit(std::move(id))); };
-  try {
-    submit("missing");
-    FAIL();
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_EQ(error.errorDescription(), "Could not find entity 'missing'");
-  }
+  auto refusal = [&](std::string id) {
+    return thrown<ChangeTrackingError>([&] { loop.run(tracker.submit(std::move(id))); }).value();
+  };
+  EXPECT_EQ(refusal("missing").errorDescription(), "Could not find entity 'missing'");
   a->verdict = failure("broken");  // invalid but unchanged: "nothing to submit" wins
-  try {
-    submit("a");
-    FAIL();
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_TRUE(error.getIf<ChangeTrackingError::NothingToSubmit>());
-  }
+  EXPECT_TRUE(refusal("a").getIf<ChangeTrackingError::NothingToSubmit>());
   a->changed = true;
-  try {
-    submit("a");
-    FAIL();
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_EQ(error.errorDescription(), "Cannot submit: Alpha: broken");
-  }
+  EXPECT_EQ(refusal("a").errorDescription(), "Cannot submit: Alpha: broken");
   EXPECT_TRUE(events.empty()) << "nothing is saved when a check fails";
   const auto version = tracker.stateVersion();
   a->verdict = ValidationResult::valid();
-  submit("a");
+  loop.run(tracker.submit("a"));
   EXPECT_EQ(events, (std::vector<std::string>{"start a", "saved a"}));
   EXPECT_EQ(tracker.stateVersion(), version + 1);
 }
@@ -211,46 +201,25 @@ TEST_F(UnifiedChangeTrackerTest, SubmitPassesTheEntitysOwnErrorThroughUnchanged)
   a->changed = true;
   a->failure = "disk full";
   const auto version = tracker.stateVersion();
-  EXPECT_THROW(
-      {
-        try {
-          loop.run(tracker.submit("a"));
-        } catch (const std::runtime_error& error) {
-          EXPECT_STREQ(error.what(), "disk full");
-          throw;
-        }
-      },
-      std::runtime_error);
+  EXPECT_EQ(thrownMessage<std::runtime_error>([&] { loop.run(tracker.submit("a")); }), "disk full");
   EXPECT_EQ(tracker.stateVersion(), version);
 }
 
 TEST_F(UnifiedChangeTrackerTest, SubmitAllRefusesWhenNothingChangedOrAnythingIsInvalid) {
   auto a = add("a", "Alpha");
   auto b = add("b", "Beta");
-  try {
-    loop.run(tracker.submitAll());
-    FAIL();
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_EQ(error.errorDescription(), "No changes to submit to App Store");
-    EXPECT_EQ(describe(error), "nothingToSubmit");
-  }
+  auto refusal = [&] { return thrown<ChangeTrackingError>([&] { loop.run(tracker.submitAll()); }).value(); };
+  const auto nothing = refusal();
+  EXPECT_EQ(nothing.errorDescription(), "No changes to submit to App Store");
+  EXPECT_EQ(describe(nothing), "nothingToSubmit");
   a->changed = true;
   b->verdict = failure("unchanged but invalid");
-  try {
-    loop.run(tracker.submitAll());
-    FAIL();
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_EQ(error.errorDescription(), "Cannot submit: Beta: unchanged but invalid");
-    ASSERT_TRUE(error.getIf<ChangeTrackingError::SubmissionBlocked>());
-    EXPECT_EQ(error.getIf<ChangeTrackingError::SubmissionBlocked>()->reason, "Fix this issue");
-  }
+  const auto blocked = refusal();
+  EXPECT_EQ(blocked.errorDescription(), "Cannot submit: Beta: unchanged but invalid");
+  ASSERT_TRUE(blocked.getIf<ChangeTrackingError::SubmissionBlocked>());
+  EXPECT_EQ(blocked.getIf<ChangeTrackingError::SubmissionBlocked>()->reason, "Fix this issue");
   a->verdict = failure("also invalid");
-  try {
-    loop.run(tracker.submitAll());
-    FAIL();
-  } catch (const ChangeTrackingError& error) {
-    EXPECT_EQ(error.errorDescription(), "Cannot submit: Fix 2 issues (2 issues)");
-  }
+  EXPECT_EQ(refusal().errorDescription(), "Cannot submit: Fix 2 issues (2 issues)");
   EXPECT_TRUE(events.empty());
 }
 
@@ -289,12 +258,7 @@ TEST_F(UnifiedChangeTrackerTest, SubmitAllPropagatesTheFirstErrorAndCancelsTheRe
   failing->changed = true;
   failing->failure = "quota exceeded";
   const auto version = tracker.stateVersion();
-  try {
-    loop.run(tracker.submitAll());
-    FAIL();
-  } catch (const std::runtime_error& error) {
-    EXPECT_STREQ(error.what(), "quota exceeded");
-  }
+  EXPECT_EQ(thrownMessage<std::runtime_error>([&] { loop.run(tracker.submitAll()); }), "quota exceeded");
   EXPECT_EQ(tracker.stateVersion(), version);
   EXPECT_TRUE(slow->changed) << "the cancelled save did not complete";
 }
