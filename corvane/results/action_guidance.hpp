@@ -1,7 +1,6 @@
 #pragma once
 
 #include "corvane/support/tagged_variant.hpp"
-
 #include "corvane/support/url.hpp"
 
 #include <functional>

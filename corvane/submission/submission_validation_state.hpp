@@ -1,8 +1,7 @@
 #pragma once
 
-#include "corvane/support/tagged_variant.hpp"
-
 #include "corvane/submission/submission_validation_issue.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <utility>
 #include <variant>

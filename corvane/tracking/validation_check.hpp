@@ -1,8 +1,7 @@
 #pragma once
 
-#include "corvane/support/tagged_variant.hpp"
-
 #include "corvane/results/validation_result.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <cstdint>
 #include <functional>

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "corvane/support/tagged_variant.hpp"
-
 #include "corvane/results/action_guidance.hpp"
 #include "corvane/results/validation_result.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <string>
 #include <utility>
