@@ -50,20 +50,17 @@
 #include "corvane/tracking/validation_requirement.hpp"
 #include "corvane/tracking/validation_rule.hpp"
 
-#include "corvane/completion/aggregate_completion_guide.hpp"
 #include "corvane/completion/completion_error.hpp"
 #include "corvane/completion/completion_guidable.hpp"
 #include "corvane/completion/completion_item.hpp"
 #include "corvane/completion/completion_progress.hpp"
 #include "corvane/completion/completion_status.hpp"
-#include "corvane/completion/pure_swift_ui_completion_guide.hpp"
 
 #include "corvane/submission/aggregate_validator.hpp"
 #include "corvane/submission/any_submission_validation_rule.hpp"
 #include "corvane/submission/change_trackable.hpp"
 #include "corvane/submission/change_tracking_field.hpp"
 #include "corvane/submission/default_change_tracker.hpp"
-#include "corvane/submission/default_submission_coordinator.hpp"
 #include "corvane/submission/submission_change_tracker.hpp"
 #include "corvane/submission/submission_configuration.hpp"
 #include "corvane/submission/submission_coordinating.hpp"
@@ -77,6 +74,10 @@
 #include "corvane/submission/submission_validation_summary.hpp"
 #include "corvane/submission/validatable.hpp"
 #include "corvane/submission/validation_service.hpp"
+
+#include "corvane/coordination/aggregate_completion_guide.hpp"
+#include "corvane/coordination/default_submission_coordinator.hpp"
+#include "corvane/coordination/pure_swift_ui_completion_guide.hpp"
 
 #include "corvane/entities/app_essentials_with_dsl.hpp"
 #include "corvane/entities/example_app_info_entity.hpp"

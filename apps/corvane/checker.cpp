@@ -1,6 +1,6 @@
 #include "checker.hpp"
 
-#include "corvane/completion/aggregate_completion_guide.hpp"
+#include "corvane/coordination/aggregate_completion_guide.hpp"
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/listing_folder.hpp"
 #include "corvane/store/listing_submission.hpp"

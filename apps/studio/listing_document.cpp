@@ -1,6 +1,6 @@
 #include "listing_document.hpp"
 
-#include "corvane/completion/aggregate_completion_guide.hpp"
+#include "corvane/coordination/aggregate_completion_guide.hpp"
 #include "corvane/store/conflict_error.hpp"
 #include "corvane/store/input_error.hpp"
 #include "corvane/store/keyword_list.hpp"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "corvane/support/tagged_variant.hpp"
+
 #include <array>
 #include <optional>
 #include <string>
@@ -8,38 +10,43 @@
 
 namespace corvane {
 
+namespace detail {
+/// The cases of `CompletionItem::CompletionStatus`, reached as `CompletionItem::CompletionStatus::<Case>`.
+struct CompletionItemStatusCases {
+  /// Cannot be done until something else is fixed; `reason` says what.
+  struct Blocked {
+    std::string reason;
+    friend bool operator==(const Blocked&, const Blocked&) = default;
+  };
+  /// Done.
+  struct Completed {
+    friend bool operator==(const Completed&, const Completed&) = default;
+  };
+  /// Not yet provided.
+  struct Missing {
+    friend bool operator==(const Missing&, const Missing&) = default;
+  };
+  /// May be left undone.
+  struct Optional {
+    friend bool operator==(const Optional&, const Optional&) = default;
+  };
+  /// Started, not finished.
+  struct InProgress {
+    friend bool operator==(const InProgress&, const InProgress&) = default;
+  };
+
+  /// The cases, in their canonical order.
+  using Value = std::variant<Blocked, Completed, Missing, Optional, InProgress>;
+};
+}  // namespace detail
+
 /// One entry of the completion checklist: what still has to be done before submission,
 /// how far it is and how much it matters. Items are values; `id` is their identity in lists.
 struct CompletionItem {
   /// How far one item is. Only `completed` counts as done; every other case, `blocked`
   /// included, counts as not done.
-  class CompletionStatus {
+  class CompletionStatus : public TaggedVariant<detail::CompletionItemStatusCases> {
    public:
-    /// Cannot be done until something else is fixed; `reason` says what.
-    struct Blocked {
-      std::string reason;
-      friend bool operator==(const Blocked&, const Blocked&) = default;
-    };
-    /// Done.
-    struct Completed {
-      friend bool operator==(const Completed&, const Completed&) = default;
-    };
-    /// Not yet provided.
-    struct Missing {
-      friend bool operator==(const Missing&, const Missing&) = default;
-    };
-    /// May be left undone.
-    struct Optional {
-      friend bool operator==(const Optional&, const Optional&) = default;
-    };
-    /// Started, not finished.
-    struct InProgress {
-      friend bool operator==(const InProgress&, const InProgress&) = default;
-    };
-
-    /// The cases, in their canonical order.
-    using Value = std::variant<Blocked, Completed, Missing, Optional, InProgress>;
-
     /// A `blocked` status with the given reason.
     static CompletionStatus blocked(std::string reason);
     /// The `completed` status.
@@ -52,32 +59,21 @@ struct CompletionItem {
     static CompletionStatus inProgress();
 
     /// Whether the case is `blocked`, whatever the reason.
-    bool isBlocked() const noexcept { return std::holds_alternative<Blocked>(value_); }
+    bool isBlocked() const noexcept { return holds<Blocked>(); }
     /// Whether the case is `completed`: the only status that counts as done.
-    bool isCompleted() const noexcept { return std::holds_alternative<Completed>(value_); }
+    bool isCompleted() const noexcept { return holds<Completed>(); }
     /// Whether the case is `missing`.
-    bool isMissing() const noexcept { return std::holds_alternative<Missing>(value_); }
+    bool isMissing() const noexcept { return holds<Missing>(); }
     /// Whether the case is `optional`.
-    bool isOptional() const noexcept { return std::holds_alternative<Optional>(value_); }
+    bool isOptional() const noexcept { return holds<Optional>(); }
     /// Whether the case is `inProgress`.
-    bool isInProgress() const noexcept { return std::holds_alternative<InProgress>(value_); }
-
-    /// The payload of case `Case`, or null when the status is another case.
-    template <class Case>
-    const Case* getIf() const noexcept {
-      return std::get_if<Case>(&value_);
-    }
-
-    /// The underlying variant, for exhaustive visiting.
-    const Value& value() const noexcept { return value_; }
+    bool isInProgress() const noexcept { return holds<InProgress>(); }
 
     /// Same case and, for `blocked`, the same reason.
     friend bool operator==(const CompletionStatus&, const CompletionStatus&) = default;
 
    private:
-    template <class Case>
-    explicit CompletionStatus(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-    Value value_;
+    using TaggedVariant::TaggedVariant;
   };
 
   /// How much an item matters, ordered from least to most by declaration (`<` compares

@@ -57,7 +57,7 @@ struct Description {
 }  // namespace
 
 double CompletionStatus::progressPercentage() const noexcept {
-  return std::visit(Percentage{}, value_);
+  return std::visit(Percentage{}, value());
 }
 
 std::string describe(const CompletionStatus& status) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "corvane/support/tagged_variant.hpp"
+
 #include <cstdint>
 #include <string>
 #include <utility>
@@ -7,9 +9,9 @@
 
 namespace corvane {
 
-/// The verdict of a completion guide on the whole submission.
-class CompletionStatus {
- public:
+namespace detail {
+/// The cases of `CompletionStatus`, reached as `CompletionStatus::InProgress` and so on.
+struct CompletionStatusCases {
   /// Work remains: `completed` of `total` items are done.
   struct InProgress {
     std::int64_t completed;
@@ -37,7 +39,13 @@ class CompletionStatus {
 
   /// The cases, in their canonical order.
   using Value = std::variant<InProgress, HasBlockingIssues, HasOptionalItems, NotStarted, ReadyForSubmission>;
+};
+}  // namespace detail
 
+/// The verdict of a completion guide on the whole submission: one of the cases of
+/// `detail::CompletionStatusCases`, read with `getIf`, `value()` and the `is...` queries.
+class CompletionStatus : public TaggedVariant<detail::CompletionStatusCases> {
+ public:
   /// An `inProgress` status with the given counts.
   static CompletionStatus inProgress(std::int64_t completed, std::int64_t total);
   /// A `hasBlockingIssues` status for `count` blocked items.
@@ -50,15 +58,15 @@ class CompletionStatus {
   static CompletionStatus readyForSubmission();
 
   /// Whether the case is `inProgress`.
-  bool isInProgress() const noexcept { return std::holds_alternative<InProgress>(value_); }
+  bool isInProgress() const noexcept { return holds<InProgress>(); }
   /// Whether the case is `hasBlockingIssues`.
-  bool isHasBlockingIssues() const noexcept { return std::holds_alternative<HasBlockingIssues>(value_); }
+  bool isHasBlockingIssues() const noexcept { return holds<HasBlockingIssues>(); }
   /// Whether the case is `hasOptionalItems`.
-  bool isHasOptionalItems() const noexcept { return std::holds_alternative<HasOptionalItems>(value_); }
+  bool isHasOptionalItems() const noexcept { return holds<HasOptionalItems>(); }
   /// Whether the case is `notStarted`.
-  bool isNotStarted() const noexcept { return std::holds_alternative<NotStarted>(value_); }
+  bool isNotStarted() const noexcept { return holds<NotStarted>(); }
   /// Whether the case is `readyForSubmission`.
-  bool isReadyForSubmission() const noexcept { return std::holds_alternative<ReadyForSubmission>(value_); }
+  bool isReadyForSubmission() const noexcept { return holds<ReadyForSubmission>(); }
 
   /// Whether submission may go ahead: true for `hasOptionalItems` and `readyForSubmission`.
   bool canProceed() const noexcept;
@@ -69,22 +77,11 @@ class CompletionStatus {
   /// 1.0 when ready.
   double progressPercentage() const noexcept;
 
-  /// The payload of case `Case`, or null when the status is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
-
   /// Same case and equal payload.
   friend bool operator==(const CompletionStatus&, const CompletionStatus&) = default;
 
  private:
-  template <class Case>
-  explicit CompletionStatus(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-  Value value_;
+  using TaggedVariant::TaggedVariant;
 };
 
 /// The case name with its payload: "inProgress(completed: 2, total: 5)",

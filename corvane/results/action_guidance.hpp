@@ -1,5 +1,6 @@
 #pragma once
 
+#include "corvane/support/tagged_variant.hpp"
 #include "corvane/support/url.hpp"
 
 #include <functional>
@@ -12,41 +13,46 @@
 
 namespace corvane {
 
+namespace detail {
+/// The cases of `ActionGuidance::Action::ActionType`, reached as `ActionGuidance::Action::ActionType::<Case>`.
+struct ActionTypeCases {
+  /// The library fixes the value itself by calling `handler`. Copies share the
+  /// callable, and two auto-fixes always compare equal: callables are never compared.
+  struct AutoFix {
+    std::shared_ptr<const std::function<void()>> handler;
+    /// Calls the handler, if there is one.
+    void operator()() const;
+    friend bool operator==(const AutoFix&, const AutoFix&) noexcept { return true; }
+  };
+  /// The user picks one of `options`.
+  struct QuickFix {
+    std::vector<std::string> options;
+    friend bool operator==(const QuickFix&, const QuickFix&) = default;
+  };
+  /// The user follows `steps` by hand.
+  struct Manual {
+    std::vector<std::string> steps;
+    friend bool operator==(const Manual&, const Manual&) = default;
+  };
+  /// The user continues at `url`.
+  struct External {
+    Url url;
+    friend bool operator==(const External&, const External&) = default;
+  };
+
+  /// The cases, in their canonical order.
+  using Value = std::variant<AutoFix, QuickFix, Manual, External>;
+};
+}  // namespace detail
+
 /// What the user can do about a verdict: the action offered first, further actions, a
 /// link to the store's guidance and an estimate of the effort.
 struct ActionGuidance {
   /// One thing the user can do, shown as a titled button or list entry.
   struct Action {
     /// How an action is carried out.
-    class ActionType {
+    class ActionType : public TaggedVariant<detail::ActionTypeCases> {
      public:
-      /// The library fixes the value itself by calling `handler`. Copies share the
-      /// callable, and two auto-fixes always compare equal: callables are never compared.
-      struct AutoFix {
-        std::shared_ptr<const std::function<void()>> handler;
-        /// Calls the handler, if there is one.
-        void operator()() const;
-        friend bool operator==(const AutoFix&, const AutoFix&) noexcept { return true; }
-      };
-      /// The user picks one of `options`.
-      struct QuickFix {
-        std::vector<std::string> options;
-        friend bool operator==(const QuickFix&, const QuickFix&) = default;
-      };
-      /// The user follows `steps` by hand.
-      struct Manual {
-        std::vector<std::string> steps;
-        friend bool operator==(const Manual&, const Manual&) = default;
-      };
-      /// The user continues at `url`.
-      struct External {
-        Url url;
-        friend bool operator==(const External&, const External&) = default;
-      };
-
-      /// The cases, in their canonical order.
-      using Value = std::variant<AutoFix, QuickFix, Manual, External>;
-
       /// An `autoFix` action that runs `handler`.
       static ActionType autoFix(std::function<void()> handler);
       /// A `quickFix` action offering `options`.
@@ -57,22 +63,13 @@ struct ActionGuidance {
       static ActionType external(Url url);
 
       /// Whether the case is `autoFix`.
-      bool isAutoFix() const noexcept { return std::holds_alternative<AutoFix>(value_); }
+      bool isAutoFix() const noexcept { return holds<AutoFix>(); }
       /// Whether the case is `quickFix`.
-      bool isQuickFix() const noexcept { return std::holds_alternative<QuickFix>(value_); }
+      bool isQuickFix() const noexcept { return holds<QuickFix>(); }
       /// Whether the case is `manual`.
-      bool isManual() const noexcept { return std::holds_alternative<Manual>(value_); }
+      bool isManual() const noexcept { return holds<Manual>(); }
       /// Whether the case is `external`.
-      bool isExternal() const noexcept { return std::holds_alternative<External>(value_); }
-
-      /// The payload of case `Case`, or null when the type is another case.
-      template <class Case>
-      const Case* getIf() const noexcept {
-        return std::get_if<Case>(&value_);
-      }
-
-      /// The underlying variant, for exhaustive visiting.
-      const Value& value() const noexcept { return value_; }
+      bool isExternal() const noexcept { return holds<External>(); }
 
       /// Runs the handler when this is an `autoFix` that has one, and says whether it ran.
       bool runAutoFix() const;
@@ -81,10 +78,7 @@ struct ActionGuidance {
       friend bool operator==(const ActionType&, const ActionType&) = default;
 
      private:
-      // Built in place: moving a whole variant trips a false maybe-uninitialized warning in GCC 12.
-      template <class Case>
-      explicit ActionType(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-      Value value_;
+      using TaggedVariant::TaggedVariant;
     };
 
     /// The action's short label.

@@ -1,18 +1,18 @@
 #pragma once
 
 #include "corvane/support/describe.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <string>
 #include <variant>
 
 namespace corvane {
 
-/// The moment at which a verdict appears. `Tag` only tells apart the timing of a display
-/// behaviour from the timing of a business verdict: the two have the same cases but are
-/// types of their own.
+namespace detail {
+/// The cases of `BasicDisplayTiming<Tag>`, reached as `BasicDisplayTiming<Tag>::<Case>`;
+/// one set per `Tag`, so that the two timings' cases are types of their own too.
 template <class Tag>
-class BasicDisplayTiming {
- public:
+struct BasicDisplayTimingCases {
   /// After `seconds` have passed.
   struct Delayed {
     double seconds;
@@ -37,6 +37,22 @@ class BasicDisplayTiming {
 
   /// The cases, in their canonical order.
   using Value = std::variant<Delayed, Immediate, OnInteraction, OnBlur, OnFocus>;
+};
+}  // namespace detail
+
+/// The moment at which a verdict appears. `Tag` only tells apart the timing of a display
+/// behaviour from the timing of a business verdict: the two have the same cases but are
+/// types of their own.
+template <class Tag>
+class BasicDisplayTiming : public TaggedVariant<detail::BasicDisplayTimingCases<Tag>> {
+  using Base = TaggedVariant<detail::BasicDisplayTimingCases<Tag>>;
+
+ public:
+  using typename Base::Delayed;
+  using typename Base::Immediate;
+  using typename Base::OnBlur;
+  using typename Base::OnFocus;
+  using typename Base::OnInteraction;
 
   /// Shown after `seconds`.
   static BasicDisplayTiming delayed(double seconds) { return BasicDisplayTiming(Delayed{seconds}); }
@@ -50,31 +66,21 @@ class BasicDisplayTiming {
   static BasicDisplayTiming onFocus() { return BasicDisplayTiming(OnFocus{}); }
 
   /// Whether the case is `delayed`.
-  bool isDelayed() const noexcept { return std::holds_alternative<Delayed>(value_); }
+  bool isDelayed() const noexcept { return this->template holds<Delayed>(); }
   /// Whether the case is `immediate`.
-  bool isImmediate() const noexcept { return std::holds_alternative<Immediate>(value_); }
+  bool isImmediate() const noexcept { return this->template holds<Immediate>(); }
   /// Whether the case is `onInteraction`.
-  bool isOnInteraction() const noexcept { return std::holds_alternative<OnInteraction>(value_); }
+  bool isOnInteraction() const noexcept { return this->template holds<OnInteraction>(); }
   /// Whether the case is `onBlur`.
-  bool isOnBlur() const noexcept { return std::holds_alternative<OnBlur>(value_); }
+  bool isOnBlur() const noexcept { return this->template holds<OnBlur>(); }
   /// Whether the case is `onFocus`.
-  bool isOnFocus() const noexcept { return std::holds_alternative<OnFocus>(value_); }
-
-  /// The payload of case `Case`, or null when the timing is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
+  bool isOnFocus() const noexcept { return this->template holds<OnFocus>(); }
 
   /// Same case; `delayed` timings also compare their seconds.
   friend bool operator==(const BasicDisplayTiming&, const BasicDisplayTiming&) = default;
 
  private:
-  explicit BasicDisplayTiming(Value value) : value_(value) {}
-  Value value_;
+  using Base::Base;
 };
 
 /// The case, with the delay for `delayed`: `delayed(seconds: 3.0)`, `immediate`,

@@ -1,15 +1,16 @@
 #pragma once
 
+#include "corvane/support/tagged_variant.hpp"
+
 #include <string>
 #include <utility>
 #include <variant>
 
 namespace corvane {
 
-/// What a verdict means for the submission: it blocks it, risks a rejection, leaves the
-/// listing suboptimal, or points at a missed opportunity.
-class BusinessImpact {
- public:
+namespace detail {
+/// The cases of `BusinessImpact`, reached as `BusinessImpact::<Case>`.
+struct BusinessImpactCases {
   /// How likely the store is to reject the submission over a `rejectionRisk`.
   enum class RejectionSeverity { high, medium, low };
 
@@ -36,7 +37,13 @@ class BusinessImpact {
 
   /// The cases, in their canonical order.
   using Value = std::variant<Blocker, RejectionRisk, Suboptimal, Opportunity>;
+};
+}  // namespace detail
 
+/// What a verdict means for the submission: it blocks it, risks a rejection, leaves the
+/// listing suboptimal, or points at a missed opportunity.
+class BusinessImpact : public TaggedVariant<detail::BusinessImpactCases> {
+ public:
   /// A `blocker` impact with the given reason.
   static BusinessImpact blocker(std::string reason);
   /// A `rejectionRisk` impact of the given severity.
@@ -47,33 +54,21 @@ class BusinessImpact {
   static BusinessImpact opportunity(std::string benefit);
 
   /// Whether the case is `blocker`.
-  bool isBlocker() const noexcept { return std::holds_alternative<Blocker>(value_); }
+  bool isBlocker() const noexcept { return holds<Blocker>(); }
   /// Whether the case is `rejectionRisk`, of any severity.
-  bool isRejectionRisk() const noexcept { return std::holds_alternative<RejectionRisk>(value_); }
+  bool isRejectionRisk() const noexcept { return holds<RejectionRisk>(); }
   /// Whether the case is `rejectionRisk` with severity `high`.
   bool isHighRejectionRisk() const noexcept;
   /// Whether the case is `suboptimal`.
-  bool isSuboptimal() const noexcept { return std::holds_alternative<Suboptimal>(value_); }
+  bool isSuboptimal() const noexcept { return holds<Suboptimal>(); }
   /// Whether the case is `opportunity`.
-  bool isOpportunity() const noexcept { return std::holds_alternative<Opportunity>(value_); }
-
-  /// The payload of case `Case`, or null when the impact is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
+  bool isOpportunity() const noexcept { return holds<Opportunity>(); }
 
   /// Same case and equal payload.
   friend bool operator==(const BusinessImpact&, const BusinessImpact&) = default;
 
  private:
-  // Built in place: moving a whole variant trips a false maybe-uninitialized warning in GCC 12.
-  template <class Case>
-  explicit BusinessImpact(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-  Value value_;
+  using TaggedVariant::TaggedVariant;
 };
 
 /// The severity's name: "high", "medium" or "low".

@@ -1,7 +1,7 @@
 #include "corvane/submission/default_change_tracker.hpp"
 
-#include "corvane/submission/recording_feature_test_support.hpp"
 #include "corvane/testing/default_change_tracker_access.hpp"
+#include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
 #include <gtest/gtest.h>

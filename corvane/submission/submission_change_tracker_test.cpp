@@ -1,7 +1,7 @@
 #include "corvane/submission/submission_change_tracker.hpp"
 
-#include "corvane/submission/recording_feature_test_support.hpp"
 #include "corvane/submission/submission_feature_type.hpp"
+#include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
 #include <gtest/gtest.h>

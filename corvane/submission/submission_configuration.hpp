@@ -1,10 +1,32 @@
 #pragma once
 
+#include "corvane/support/tagged_variant.hpp"
+
 #include <cstdint>
 #include <utility>
 #include <variant>
 
 namespace corvane {
+
+namespace detail {
+/// The cases of `SubmissionConfiguration::ValidationStrategy`, reached as
+/// `SubmissionConfiguration::ValidationStrategy::<Case>`.
+struct ValidationStrategyCases {
+  /// After edits have paused for `milliseconds`.
+  struct Debounced {
+    std::int64_t milliseconds;
+  };
+  /// On every edit.
+  struct Immediate {};
+  /// Only when asked.
+  struct OnDemand {};
+  /// In batches.
+  struct Batch {};
+
+  /// The cases, in their canonical order.
+  using Value = std::variant<Debounced, Immediate, OnDemand, Batch>;
+};
+}  // namespace detail
 
 /// The settings of a submission coordinator. The strategies and the concurrency bound are
 /// carried as settings only: nothing in the library acts on them yet.
@@ -13,22 +35,8 @@ struct SubmissionConfiguration {
   enum class AutoSubmitStrategy { manual, automatic, onValidationSuccess, onCompletion };
 
   /// When validation would run.
-  class ValidationStrategy {
+  class ValidationStrategy : public TaggedVariant<detail::ValidationStrategyCases> {
    public:
-    /// After edits have paused for `milliseconds`.
-    struct Debounced {
-      std::int64_t milliseconds;
-    };
-    /// On every edit.
-    struct Immediate {};
-    /// Only when asked.
-    struct OnDemand {};
-    /// In batches.
-    struct Batch {};
-
-    /// The cases, in their canonical order.
-    using Value = std::variant<Debounced, Immediate, OnDemand, Batch>;
-
     /// A `debounced` strategy waiting `milliseconds`.
     static ValidationStrategy debounced(std::int64_t milliseconds);
     /// The `immediate` strategy.
@@ -39,27 +47,16 @@ struct SubmissionConfiguration {
     static ValidationStrategy batch();
 
     /// Whether the case is `debounced`, whatever the delay.
-    bool isDebounced() const noexcept { return std::holds_alternative<Debounced>(value_); }
+    bool isDebounced() const noexcept { return holds<Debounced>(); }
     /// Whether the case is `immediate`.
-    bool isImmediate() const noexcept { return std::holds_alternative<Immediate>(value_); }
+    bool isImmediate() const noexcept { return holds<Immediate>(); }
     /// Whether the case is `onDemand`.
-    bool isOnDemand() const noexcept { return std::holds_alternative<OnDemand>(value_); }
+    bool isOnDemand() const noexcept { return holds<OnDemand>(); }
     /// Whether the case is `batch`.
-    bool isBatch() const noexcept { return std::holds_alternative<Batch>(value_); }
-
-    /// The payload of case `Case`, or null when the strategy is another case.
-    template <class Case>
-    const Case* getIf() const noexcept {
-      return std::get_if<Case>(&value_);
-    }
-
-    /// The underlying variant, for exhaustive visiting.
-    const Value& value() const noexcept { return value_; }
+    bool isBatch() const noexcept { return holds<Batch>(); }
 
    private:
-    template <class Case>
-    explicit ValidationStrategy(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-    Value value_;
+    using TaggedVariant::TaggedVariant;
   };
 
   /// The shared default: everything enabled, manual submission, validation debounced by

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/submission/submission_validation_issue.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <utility>
 #include <variant>
@@ -8,9 +9,9 @@
 
 namespace corvane {
 
-/// Where the validation of a submission stands, as a screen shows it.
-class SubmissionValidationState {
- public:
+namespace detail {
+/// The cases of `SubmissionValidationState`, reached as `SubmissionValidationState::<Case>`.
+struct SubmissionValidationStateCases {
   /// Validation found `issues`; whether they block depends on their severities.
   struct Invalid {
     std::vector<SubmissionValidationIssue> issues;
@@ -31,7 +32,12 @@ class SubmissionValidationState {
 
   /// The cases, in their canonical order.
   using Value = std::variant<Invalid, Valid, Validating, Unknown>;
+};
+}  // namespace detail
 
+/// Where the validation of a submission stands, as a screen shows it.
+class SubmissionValidationState : public TaggedVariant<detail::SubmissionValidationStateCases> {
+ public:
   /// An `invalid` state carrying `issues` (which may be empty).
   static SubmissionValidationState invalid(std::vector<SubmissionValidationIssue> issues);
   /// The `valid` state.
@@ -42,35 +48,24 @@ class SubmissionValidationState {
   static SubmissionValidationState unknown();
 
   /// Whether the case is `invalid`, whatever its issues.
-  bool isInvalid() const noexcept { return std::holds_alternative<Invalid>(value_); }
+  bool isInvalid() const noexcept { return holds<Invalid>(); }
   /// Whether the case is `valid`.
-  bool isValid() const noexcept { return std::holds_alternative<Valid>(value_); }
+  bool isValid() const noexcept { return holds<Valid>(); }
   /// Whether the case is `validating`.
-  bool isValidating() const noexcept { return std::holds_alternative<Validating>(value_); }
+  bool isValidating() const noexcept { return holds<Validating>(); }
   /// Whether the case is `unknown`.
-  bool isUnknown() const noexcept { return std::holds_alternative<Unknown>(value_); }
+  bool isUnknown() const noexcept { return holds<Unknown>(); }
 
   /// Whether submission may go ahead: always for `valid`, never while `validating` or
   /// `unknown`, and for `invalid` exactly when none of its issues is an error (so an
   /// `invalid` state with only warnings, or with no issues at all, may proceed).
   bool canProceed() const noexcept;
 
-  /// The payload of case `Case`, or null when the state is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
-
   /// Same case and, for `invalid`, equal issue lists.
   friend bool operator==(const SubmissionValidationState&, const SubmissionValidationState&) = default;
 
  private:
-  template <class Case>
-  explicit SubmissionValidationState(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-  Value value_;
+  using TaggedVariant::TaggedVariant;
 };
 
 }  // namespace corvane

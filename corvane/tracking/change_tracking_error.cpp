@@ -35,7 +35,8 @@ std::string descriptionOf(const ChangeTrackingError::Case& value) {
 
 }  // namespace
 
-ChangeTrackingError::ChangeTrackingError(Case value) : case_(std::move(value)), description_(descriptionOf(case_)) {}
+ChangeTrackingError::ChangeTrackingError(Case value)
+    : TaggedVariant(std::move(value)), description_(descriptionOf(this->value())) {}
 
 ChangeTrackingError ChangeTrackingError::submissionBlocked(std::string reason, std::vector<std::string> details) {
   return ChangeTrackingError(SubmissionBlocked{std::move(reason), std::move(details)});

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "corvane/support/tagged_variant.hpp"
+
 #include <exception>
 #include <string>
 #include <variant>
@@ -7,10 +9,9 @@
 
 namespace corvane {
 
-/// Why a unified change tracker refused to submit. `what()` and `errorDescription()` give
-/// the text for people; `describe()` names the case and its payload.
-class ChangeTrackingError : public std::exception {
- public:
+namespace detail {
+/// The cases of `ChangeTrackingError`, reached as `ChangeTrackingError::<Case>`.
+struct ChangeTrackingErrorCases {
   /// Some entity's verdict does not pass.
   struct SubmissionBlocked {
     std::string reason;
@@ -27,7 +28,17 @@ class ChangeTrackingError : public std::exception {
   /// No registered entity has unsaved changes.
   struct NothingToSubmit {};
 
-  using Case = std::variant<SubmissionBlocked, EntityNotFound, SubmissionFailed, NothingToSubmit>;
+  /// The cases, in their canonical order.
+  using Value = std::variant<SubmissionBlocked, EntityNotFound, SubmissionFailed, NothingToSubmit>;
+};
+}  // namespace detail
+
+/// Why a unified change tracker refused to submit. `what()` and `errorDescription()` give
+/// the text for people; `describe()` names the case and its payload.
+class ChangeTrackingError : public std::exception, public TaggedVariant<detail::ChangeTrackingErrorCases> {
+ public:
+  /// The cases, in their canonical order.
+  using Case = Value;
 
   static ChangeTrackingError submissionBlocked(std::string reason, std::vector<std::string> details);
   static ChangeTrackingError entityNotFound(std::string entityId);
@@ -40,18 +51,9 @@ class ChangeTrackingError : public std::exception {
   const std::string& errorDescription() const noexcept { return description_; }
   const char* what() const noexcept override { return description_.c_str(); }
 
-  /// The case and its payload.
-  const Case& value() const noexcept { return case_; }
-  /// The case's payload when the error is of that case, otherwise null.
-  template <class C>
-  const C* getIf() const noexcept {
-    return std::get_if<C>(&case_);
-  }
-
  private:
   explicit ChangeTrackingError(Case value);
 
-  Case case_;
   std::string description_;
 };
 

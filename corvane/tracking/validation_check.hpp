@@ -1,6 +1,7 @@
 #pragma once
 
 #include "corvane/results/validation_result.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <cstdint>
 #include <functional>
@@ -10,10 +11,9 @@
 
 namespace corvane {
 
-/// One check of a declared text field. Length checks count the user-perceived characters of
-/// the trimmed value; see `makeValidationRule` for how a declaration runs its checks.
-class ValidationCheck {
- public:
+namespace detail {
+/// The cases of `ValidationCheck`, reached as `ValidationCheck::<Case>`.
+struct ValidationCheckCases {
   /// Fails when the trimmed value has more than `limit` characters.
   struct TooLong {
     std::int64_t limit;
@@ -31,7 +31,13 @@ class ValidationCheck {
 
   /// The cases, in their canonical order.
   using Value = std::variant<TooLong, TooShort, Custom, Empty>;
+};
+}  // namespace detail
 
+/// One check of a declared text field. Length checks count the user-perceived characters of
+/// the trimmed value; see `makeValidationRule` for how a declaration runs its checks.
+class ValidationCheck : public TaggedVariant<detail::ValidationCheckCases> {
+ public:
   /// A `tooLong` check with the given limit.
   static ValidationCheck tooLong(std::int64_t limit);
   /// A `tooShort` check with the given minimum.
@@ -41,20 +47,8 @@ class ValidationCheck {
   /// An `empty` check.
   static ValidationCheck empty();
 
-  /// The payload of case `Case`, or null when the check is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
-
  private:
-  // Built in place: moving a whole variant trips a false maybe-uninitialized warning in GCC 12.
-  template <class Case>
-  explicit ValidationCheck(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-  Value value_;
+  using TaggedVariant::TaggedVariant;
 };
 
 }  // namespace corvane

@@ -2,6 +2,7 @@
 
 #include "corvane/results/action_guidance.hpp"
 #include "corvane/results/validation_result.hpp"
+#include "corvane/support/tagged_variant.hpp"
 
 #include <string>
 #include <utility>
@@ -9,10 +10,9 @@
 
 namespace corvane {
 
-/// Advice a declared text field gives once all its checks have passed; see
-/// `makeValidationRule` for when each case yields a verdict.
-class ValidationGuidance {
- public:
+namespace detail {
+/// The cases of `ValidationGuidance`, reached as `ValidationGuidance::<Case>`.
+struct ValidationGuidanceCases {
   /// Suggests adding `what` for `benefit` when an optional field is empty.
   struct MissingOptional {
     std::string what;
@@ -34,7 +34,13 @@ class ValidationGuidance {
 
   /// The cases, in their canonical order.
   using Value = std::variant<MissingOptional, Opportunity, Custom>;
+};
+}  // namespace detail
 
+/// Advice a declared text field gives once all its checks have passed; see
+/// `makeValidationRule` for when each case yields a verdict.
+class ValidationGuidance : public TaggedVariant<detail::ValidationGuidanceCases> {
+ public:
   /// A `missingOptional` guidance: what to add (a phrase such as "descriptive app name")
   /// and why.
   static ValidationGuidance missingOptional(std::string what, std::string benefit);
@@ -43,23 +49,11 @@ class ValidationGuidance {
   /// A `custom` guidance that always yields `result`.
   static ValidationGuidance custom(ValidationResult result);
 
-  /// The payload of case `Case`, or null when the guidance is another case.
-  template <class Case>
-  const Case* getIf() const noexcept {
-    return std::get_if<Case>(&value_);
-  }
-
-  /// The underlying variant, for exhaustive visiting.
-  const Value& value() const noexcept { return value_; }
-
   /// Same case and equal payload.
   friend bool operator==(const ValidationGuidance&, const ValidationGuidance&) = default;
 
  private:
-  // Built in place: moving a whole variant trips a false maybe-uninitialized warning in GCC 12.
-  template <class Case>
-  explicit ValidationGuidance(Case value) : value_(std::in_place_type<Case>, std::move(value)) {}
-  Value value_;
+  using TaggedVariant::TaggedVariant;
 };
 
 }  // namespace corvane

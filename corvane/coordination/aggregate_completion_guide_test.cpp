@@ -1,9 +1,9 @@
-#include "corvane/completion/aggregate_completion_guide.hpp"
+#include "corvane/coordination/aggregate_completion_guide.hpp"
 
 #include "corvane/completion/completion_error.hpp"
 #include "corvane/observation/observation_tracking.hpp"
-#include "corvane/submission/recording_feature_test_support.hpp"
 #include "corvane/testing/captured_log.hpp"
+#include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
 #include <boost/asio/error.hpp>

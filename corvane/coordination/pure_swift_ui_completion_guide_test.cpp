@@ -1,8 +1,8 @@
-#include "corvane/completion/pure_swift_ui_completion_guide.hpp"
+#include "corvane/coordination/pure_swift_ui_completion_guide.hpp"
 
 #include "corvane/completion/completion_error.hpp"
-#include "corvane/submission/recording_feature_test_support.hpp"
 #include "corvane/testing/captured_log.hpp"
+#include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
 #include <gtest/gtest.h>

@@ -1,9 +1,8 @@
-#include "corvane/submission/default_submission_coordinator.hpp"
+#include "corvane/coordination/default_submission_coordinator.hpp"
 
-#include "corvane/entities/example_app_info_entity.hpp"
-#include "corvane/submission/recording_feature_test_support.hpp"
 #include "corvane/testing/captured_lines.hpp"
 #include "corvane/testing/captured_log.hpp"
+#include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
 #include <gtest/gtest.h>
@@ -181,11 +180,18 @@ TEST_F(DefaultSubmissionCoordinatorTest, EveryReadOfTheTrackerIsAFreshSnapshot) 
 }
 
 TEST_F(DefaultSubmissionCoordinatorTest, EveryReadOfTheGuideIsAFreshSnapshot) {
-  testing::CapturedLines lines;  // the example entity traces its reads
+  using ItemStatus = CompletionItem::CompletionStatus;
+  using Priority = CompletionItem::Priority;
+  const auto item = [](std::string id, ItemStatus status, Priority priority) {
+    return CompletionItem(std::move(id), "Title", "Description", std::move(status), priority, std::nullopt);
+  };
   coordinator.register_(feature("empty"));
   const auto first = coordinator.completionGuide();
-  auto appInfo = ExampleAppInfoEntity::create();
-  coordinator.register_(appInfo);
+  auto app = feature("app");
+  app->completionItems = {item("name", ItemStatus::missing(), Priority::required),
+                          item("subtitle", ItemStatus::optional(), Priority::optional),
+                          item("keywords", ItemStatus::optional(), Priority::recommended)};
+  coordinator.register_(app);
   const auto second = coordinator.completionGuide();
 
   EXPECT_EQ(first->completionProgress().totalItems, 0);
@@ -193,8 +199,8 @@ TEST_F(DefaultSubmissionCoordinatorTest, EveryReadOfTheGuideIsAFreshSnapshot) {
   EXPECT_EQ(second->completionProgress().totalItems, 3);
   EXPECT_EQ(second->completionStatus(), CompletionStatus::inProgress(0, 1));
 
-  // The guide re-reads its features: filling in the name completes the required item.
-  appInfo->appName()->setValue("Corvane");
+  // The guide re-reads its features: completing the required item completes the submission.
+  app->completionItems[0].status = ItemStatus::completed();
   EXPECT_EQ(second->completionStatus(), CompletionStatus::readyForSubmission());
 }
 

@@ -1,4 +1,4 @@
-#include "corvane/completion/pure_swift_ui_completion_guide.hpp"
+#include "corvane/coordination/pure_swift_ui_completion_guide.hpp"
 
 #include "corvane/completion/completion_error.hpp"
 #include "corvane/support/precondition.hpp"

@@ -1,6 +1,6 @@
 #pragma once
 
-// A scriptable feature for the submission tests: it reports what it is told to, counts
+// A scriptable feature for the submission and coordination tests: it reports what it is told to, counts
 // the calls it receives and writes its saves and discards to a shared journal.
 
 #include "corvane/submission/submission_feature.hpp"
@@ -50,12 +50,14 @@ class RecordingFeature : public SubmissionFeature {
 
   std::string featureId() const override { return "recording"; }
   bool hasUpdates() const override { return changed_; }
-  std::vector<CompletionItem> createCompletionItems() const override { return {}; }
+  std::vector<CompletionItem> createCompletionItems() const override { return completionItems; }
 
   void setEntityId(std::string id) { id_ = std::move(id); }
   void setChanged(bool changed) { changed_ = changed; }
   void setDescription(std::string description) { description_ = std::move(description); }
 
+  /// The checklist handed out on every request; none unless a test sets one.
+  std::vector<CompletionItem> completionItems;
   /// Thrown by the next saves instead of saving.
   std::exception_ptr saveFailure;
   /// Completed saves.

@@ -1,4 +1,4 @@
-#include "corvane/completion/aggregate_completion_guide.hpp"
+#include "corvane/coordination/aggregate_completion_guide.hpp"
 
 #include "corvane/completion/completion_error.hpp"
 #include "corvane/support/sleep.hpp"

@@ -1,6 +1,6 @@
-#include "corvane/submission/default_submission_coordinator.hpp"
+#include "corvane/coordination/default_submission_coordinator.hpp"
 
-#include "corvane/completion/pure_swift_ui_completion_guide.hpp"
+#include "corvane/coordination/pure_swift_ui_completion_guide.hpp"
 #include "corvane/submission/default_change_tracker.hpp"
 #include "corvane/support/precondition.hpp"
 
