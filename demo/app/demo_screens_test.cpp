@@ -5,13 +5,12 @@
 #include "corvane/testing/captured_lines.hpp"
 #include "demo/app/demo_screen.hpp"
 #include "demo/app/new_change_tracking_demo_model.hpp"
-#include "ui/qt/observation_bridge.hpp"
-#include "ui/qt/qt_execution_context.hpp"
-#include "ui/qt/symbol_glyphs.hpp"
 #include "demo/app/tracked_validation_dsl_demo_model.hpp"
+#include "ui/qt/headless_test_support.hpp"
+#include "ui/qt/observation_bridge.hpp"
+#include "ui/qt/symbol_glyphs.hpp"
 
 #include <QtCore/QThread>
-#include <QtGui/QGuiApplication>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
 #include <QtTest/QTest>
@@ -36,33 +35,7 @@ using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::IsSupersetOf;
 
-// The whole program shares one headless application and one Qt-loop main executor, as
-// corvane-demo does.
-class HeadlessApplication : public ::testing::Environment {
- public:
-  void SetUp() override {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    application_ = std::make_unique<QGuiApplication>(argc_, argv_);
-    context_ = std::make_unique<ui::QtExecutionContext>();
-    setMainExecutor(context_->get_executor());
-  }
-
-  void TearDown() override {
-    setMainExecutor({});
-    context_.reset();
-    application_.reset();
-  }
-
- private:
-  int argc_ = 1;
-  char name_[32] = "corvane_demo_screens_tests";
-  char* argv_[2] = {name_, nullptr};
-  std::unique_ptr<QGuiApplication> application_;
-  std::unique_ptr<ui::QtExecutionContext> context_;
-};
-
-[[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new HeadlessApplication);
+[[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new ui::HeadlessApplication);
 
 constexpr int patience = 10000;  // milliseconds; a generous bound for waiting, never asserted
 
