@@ -1,13 +1,11 @@
 #include "studio_window.hpp"
 
 #include "corvane/store/store_listing.hpp"
-#include "corvane/support/main_executor.hpp"
 #include "corvane/testing/file_permissions_enforced.hpp"
 #include "corvane/testing/temporary_folder.hpp"
-#include "ui/qt/qt_execution_context.hpp"
+#include "ui/qt/headless_test_support.hpp"
 
 #include <QtCore/QCoreApplication>
-#include <QtGui/QGuiApplication>
 #include <QtGui/QKeyEvent>
 #include <QtQuick/QQuickItem>
 #include <QtQuick/QQuickWindow>
@@ -32,58 +30,29 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-// One headless application and one Qt-loop main executor for the whole program, as the
-// editor itself has.
-class HeadlessApplication : public ::testing::Environment {
- public:
-  void SetUp() override {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QQuickWindow::setGraphicsApi(QSGRendererInterface::Software);
-    application_ = std::make_unique<QGuiApplication>(argc_, argv_);
-    context_ = std::make_unique<ui::QtExecutionContext>();
-    setMainExecutor(context_->get_executor());
-  }
-
-  void TearDown() override {
-    setMainExecutor({});
-    context_.reset();
-    application_.reset();
-  }
-
- private:
-  int argc_ = 1;
-  char name_[32] = "corvane_studio_tests";
-  char* argv_[2] = {name_, nullptr};
-  std::unique_ptr<QGuiApplication> application_;
-  std::unique_ptr<ui::QtExecutionContext> context_;
-};
-
-[[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new HeadlessApplication);
+[[maybe_unused]] const auto* const environment = ::testing::AddGlobalTestEnvironment(new ui::HeadlessApplication);
 
 constexpr std::string_view kBom = "\xEF\xBB\xBF";
 
 // A small App Store folder: en-US with its own texts, de-DE taking its description from
 // default/, and the shared files a complete listing needs.
 void writeListing(const fs::path& root) {
-  writeFile(root / "en-US/name.txt", "Trail Notes\n");
-  writeFile(root / "en-US/subtitle.txt", "Plan hikes offline\n");
-  writeFile(root / "en-US/description.txt", "Plan every hike with maps that work without a signal.\n");
-  writeFile(root / "en-US/keywords.txt", "hiking,trails,maps\n");
-  writeFile(root / "en-US/release_notes.txt", "Faster maps.\n");
-  writeFile(root / "en-US/support_url.txt", "https://trailnotes.app/support\n");
-  writeFile(root / "en-US/privacy_url.txt", "https://trailnotes.app/privacy\n");
-  writeFile(root / "de-DE/name.txt", "Wandernotizen\n");
-  writeFile(root / "de-DE/keywords.txt", "wandern,karten\n");
-  writeFile(root / "de-DE/release_notes.txt", "Schnellere Karten.\n");
-  writeFile(root / "de-DE/support_url.txt", "https://trailnotes.app/de/support\n");
-  writeFile(root / "de-DE/privacy_url.txt", "https://trailnotes.app/de/privacy\n");
-  writeFile(root / "default/description.txt", "Wanderungen planen, auch ohne Netz.\n");
-  writeFile(root / "copyright.txt", "2026 Trail Notes Ltd\n");
-  writeFile(root / "primary_category.txt", "NAVIGATION\n");
-  writeFile(root / "review_information/first_name.txt", "Ada\n");
-  writeFile(root / "review_information/last_name.txt", "Lovelace\n");
-  writeFile(root / "review_information/phone_number.txt", "+44 20 7946 0000\n");
-  writeFile(root / "review_information/email_address.txt", "review@trailnotes.app\n");
+  const std::pair<const char*, const char*> files[] = {
+      {"en-US/name.txt", "Trail Notes\n"}, {"en-US/subtitle.txt", "Plan hikes offline\n"},
+      {"en-US/description.txt", "Plan every hike with maps that work without a signal.\n"},
+      {"en-US/keywords.txt", "hiking,trails,maps\n"}, {"en-US/release_notes.txt", "Faster maps.\n"},
+      {"en-US/support_url.txt", "https://trailnotes.app/support\n"},
+      {"en-US/privacy_url.txt", "https://trailnotes.app/privacy\n"},
+      {"de-DE/name.txt", "Wandernotizen\n"}, {"de-DE/keywords.txt", "wandern,karten\n"},
+      {"de-DE/release_notes.txt", "Schnellere Karten.\n"},
+      {"de-DE/support_url.txt", "https://trailnotes.app/de/support\n"},
+      {"de-DE/privacy_url.txt", "https://trailnotes.app/de/privacy\n"},
+      {"default/description.txt", "Wanderungen planen, auch ohne Netz.\n"},
+      {"copyright.txt", "2026 Trail Notes Ltd\n"}, {"primary_category.txt", "NAVIGATION\n"},
+      {"review_information/first_name.txt", "Ada\n"}, {"review_information/last_name.txt", "Lovelace\n"},
+      {"review_information/phone_number.txt", "+44 20 7946 0000\n"},
+      {"review_information/email_address.txt", "review@trailnotes.app\n"}};
+  for (const auto& [file, text] : files) writeFile(root / file, text);
 }
 
 class StudioTest : public ::testing::Test {
@@ -105,10 +74,15 @@ class StudioTest : public ::testing::Test {
   ListingDocument& document() { return studio_->document(); }
   QQuickWindow& window() { return studio_->window(); }
 
-  void open() {
+  // Opens the listing, showing `scope` when one is named.
+  void open(const char* scope = nullptr) {
     ASSERT_TRUE(document().open(QString::fromStdString(folder().string()))) << document().errorText().toStdString();
+    if (scope) document().selectScope(QString::fromUtf8(scope));
     settle();
   }
+
+  std::string onDisk(const char* file) const { return readFile(folder() / file); }
+  std::string keywords() { return document().listing()->entity("en-US")->text(store::ListingField::keywords); }
 
   // Lets bindings, polish and layout run.
   void settle() {
@@ -123,10 +97,13 @@ class StudioTest : public ::testing::Test {
     return found;
   }
 
-  std::string text(const QString& name) {
+  // The `property` of the item named `name`, or nothing (and a test failure) without one.
+  QVariant read(const QString& name, const char* property) {
     QQuickItem* found = item(name);
-    return found ? found->property("text").toString().toStdString() : std::string();
+    return found ? found->property(property) : QVariant();
   }
+
+  std::string text(const QString& name) { return read(name, "text").toString().toStdString(); }
 
   bool shown(const QString& name) {
     settle();
@@ -189,9 +166,7 @@ TEST_F(StudioTest, TypingUpdatesTheCounterVerdictAndUnsavedMarks) {
   EXPECT_TRUE(document().currentHasUnsavedChanges());
   // The sidebar marks the locale, and its badge counts the new blocker.
   EXPECT_TRUE(shown("scope.en-US.unsaved"));
-  QQuickItem* blockers = item(QStringLiteral("scope.en-US.blockers"));
-  ASSERT_NE(blockers, nullptr);
-  EXPECT_EQ(blockers->property("count").toInt(), 1);
+  EXPECT_EQ(read(QStringLiteral("scope.en-US.blockers"), "count").toInt(), 1);
 
   // Back to the saved text: nothing is unsaved any more.
   type("name.input", QStringLiteral("Trail Notes"), true);
@@ -201,16 +176,14 @@ TEST_F(StudioTest, TypingUpdatesTheCounterVerdictAndUnsavedMarks) {
 }
 
 TEST_F(StudioTest, CountsUserPerceivedCharacters) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   // A family emoji is one character of seven code points; an accent on e is one of two.
   type("subtitle.input", QStringLiteral("👨‍👩‍👧‍👦 Cafe\u0301"), true);
   EXPECT_EQ(text("subtitle.counter"), "6 / 30");
 }
 
 TEST_F(StudioTest, TheAutoFixTrimsOnACharacterBoundary) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("Trail Notes for Hikers Who Love Mountains"), true);
   ASSERT_EQ(text("name.counter"), "41 / 30");
   click("name.fix");
@@ -225,55 +198,51 @@ TEST_F(StudioTest, TheAutoFixTrimsOnACharacterBoundary) {
 
 TEST_F(StudioTest, SavingWritesTheFileWithItsByteOrderMarkAndLineBreaks) {
   writeFile(folder() / "en-US/name.txt", std::string(kBom) + "Trail Notes\r\n\r\n");
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("Trail Notes Pro"), true);
   key(Qt::Key_S, Qt::ControlModifier);
 
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), std::string(kBom) + "Trail Notes Pro\r\n\r\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), std::string(kBom) + "Trail Notes Pro\r\n\r\n");
   EXPECT_FALSE(shown("name.unsaved"));
   EXPECT_FALSE(document().hasUnsavedChanges());
   EXPECT_EQ(text("status"), "Saved 1 file");
   // Other files are untouched.
-  EXPECT_EQ(readFile(folder() / "en-US/subtitle.txt"), "Plan hikes offline\n");
+  EXPECT_EQ(onDisk("en-US/subtitle.txt"), "Plan hikes offline\n");
 }
 
 TEST_F(StudioTest, SaveWritesTheLocaleOnScreenAndSaveAllEveryLocale) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("Trail Notes Pro"), true);
   document().selectScope(QStringLiteral("de-DE"));
   type("name.input", QStringLiteral("Wandernotizen Pro"), true);
 
   key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(readFile(folder() / "de-DE/name.txt"), "Wandernotizen Pro\n");
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Trail Notes\n");
+  EXPECT_EQ(onDisk("de-DE/name.txt"), "Wandernotizen Pro\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), "Trail Notes\n");
   EXPECT_TRUE(document().hasUnsavedChanges());
 
   key(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Trail Notes Pro\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), "Trail Notes Pro\n");
   EXPECT_FALSE(document().hasUnsavedChanges());
 }
 
 TEST_F(StudioTest, DefaultTextShowsAsAPlaceholderUntilTheLocaleHasItsOwn) {
   open();
   ASSERT_EQ(document().currentScope(), "de-DE");
-  QQuickItem* description = item(QStringLiteral("description.input"));
-  ASSERT_NE(description, nullptr);
-  EXPECT_EQ(description->property("text").toString(), "");
-  EXPECT_EQ(description->property("placeholderText").toString(), "Wanderungen planen, auch ohne Netz.");
+  EXPECT_EQ(text("description.input"), "");
+  EXPECT_EQ(read(QStringLiteral("description.input"), "placeholderText").toString(),
+            "Wanderungen planen, auch ohne Netz.");
   // The counter counts what the store gets: default/'s text.
   EXPECT_EQ(text("description.counter"), "35 / 4000");
 
   type("description.input", QStringLiteral("Eigene Beschreibung."));
   key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(readFile(folder() / "de-DE/description.txt"), "Eigene Beschreibung.\n");
-  EXPECT_EQ(readFile(folder() / "default/description.txt"), "Wanderungen planen, auch ohne Netz.\n");
+  EXPECT_EQ(onDisk("de-DE/description.txt"), "Eigene Beschreibung.\n");
+  EXPECT_EQ(onDisk("default/description.txt"), "Wanderungen planen, auch ohne Netz.\n");
 }
 
 TEST_F(StudioTest, DiscardingRestoresOneFieldOneLocaleOrEverything) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("One"), true);
   type("subtitle.input", QStringLiteral("Two"), true);
   click("name.discard");
@@ -293,44 +262,43 @@ TEST_F(StudioTest, DiscardingRestoresOneFieldOneLocaleOrEverything) {
   EXPECT_FALSE(document().hasUnsavedChanges());
 }
 
-TEST_F(StudioTest, AFileChangedBehindTheEditorsBackIsAConflictNotOverwritten) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+// Which side of a conflict the user keeps, and the text the field and the file end with.
+struct Resolution {
+  const char* name;
+  const char* button;
+  const char* kept;
+};
+
+class StudioConflictTest : public StudioTest, public ::testing::WithParamInterface<Resolution> {};
+
+// Keeping the edit finishes the save it interrupted; keeping the file's text drops the edit.
+TEST_P(StudioConflictTest, AFileChangedBehindTheEditorsBackIsAConflictNotOverwritten) {
+  open("en-US");
   type("name.input", QStringLiteral("Mine"), true);
   writeFile(folder() / "en-US/name.txt", "Theirs\n");
 
   key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_TRUE(shown("conflictDialog"));
+  ASSERT_TRUE(shown("conflictDialog"));
   EXPECT_EQ(text("conflict.0.fileText"), "Theirs");
   EXPECT_EQ(text("conflict.0.editedText"), "Mine");
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Theirs\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), "Theirs\n");
   EXPECT_TRUE(shown("name.unsaved"));
 
-  // Keeping the edit finishes the save it interrupted.
-  click("conflict.0.keepEdit");
+  click(QString::fromUtf8(GetParam().button));
   EXPECT_FALSE(shown("conflictDialog"));
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Mine\n");
+  EXPECT_EQ(text("name.input"), GetParam().kept);
+  EXPECT_EQ(onDisk("en-US/name.txt"), std::string(GetParam().kept) + "\n");
+  EXPECT_FALSE(shown("name.unsaved"));
   EXPECT_FALSE(document().hasUnsavedChanges());
 }
 
-TEST_F(StudioTest, KeepingTheFilesTextDropsTheEdit) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
-  type("name.input", QStringLiteral("Mine"), true);
-  writeFile(folder() / "en-US/name.txt", "Theirs\n");
-  key(Qt::Key_S, Qt::ControlModifier);
-  ASSERT_TRUE(shown("conflictDialog"));
-
-  click("conflict.0.keepFile");
-  EXPECT_FALSE(shown("conflictDialog"));
-  EXPECT_EQ(text("name.input"), "Theirs");
-  EXPECT_FALSE(shown("name.unsaved"));
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Theirs\n");
-}
+INSTANTIATE_TEST_SUITE_P(Keeping, StudioConflictTest,
+                         ::testing::Values(Resolution{"TheEdit", "conflict.0.keepEdit", "Mine"},
+                                           Resolution{"TheFilesText", "conflict.0.keepFile", "Theirs"}),
+                         [](const auto& param) { return std::string(param.param.name); });
 
 TEST_F(StudioTest, ChangesOnDiskReachUneditedFieldsWhenTheWindowIsChecked) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   writeFile(folder() / "en-US/subtitle.txt", "Maps for every trail\n");
   document().checkDisk();
   settle();
@@ -340,8 +308,7 @@ TEST_F(StudioTest, ChangesOnDiskReachUneditedFieldsWhenTheWindowIsChecked) {
 }
 
 TEST_F(StudioTest, AFailedWriteKeepsTheEditAndSaysWhy) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("Trail Notes Pro"), true);
   fs::permissions(folder() / "en-US/name.txt", fs::perms::owner_read | fs::perms::group_read | fs::perms::others_read);
   {
@@ -352,42 +319,39 @@ TEST_F(StudioTest, AFailedWriteKeepsTheEditAndSaysWhy) {
   EXPECT_THAT(text("errorText"), HasSubstr("name.txt"));
   EXPECT_TRUE(shown("name.unsaved"));
   EXPECT_EQ(text("name.input"), "Trail Notes Pro");
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Trail Notes\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), "Trail Notes\n");
 
   // Once the file may be written, the same edit saves.
   fs::permissions(folder() / "en-US/name.txt", fs::perms::owner_write, fs::perm_options::add);
   key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Trail Notes Pro\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), "Trail Notes Pro\n");
 }
 
 TEST_F(StudioTest, KeywordsEditAsChips) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   EXPECT_EQ(text("keywords.chip.0"), "");  // a chip is a container; its label says the keyword
   EXPECT_EQ(text("keywords.remaining"), "82 characters left");
 
   type("keywords.input", QStringLiteral("camping"));
   key(Qt::Key_Return);
-  EXPECT_EQ(document().listing()->entity("en-US")->text(store::ListingField::keywords), "hiking,trails,maps,camping");
+  EXPECT_EQ(keywords(), "hiking,trails,maps,camping");
   EXPECT_EQ(text("keywords.remaining"), "74 characters left");
   EXPECT_NE(studio_->find(QStringLiteral("keywords.chip.3")), nullptr);
 
   // A repeat in another letter case is not added twice; a comma adds what came before it.
   type("keywords.input", QStringLiteral("Maps,gps,"));
-  EXPECT_EQ(document().listing()->entity("en-US")->text(store::ListingField::keywords),
-            "hiking,trails,maps,camping,gps");
+  EXPECT_EQ(keywords(), "hiking,trails,maps,camping,gps");
 
   // Keyboard: Ctrl+Right moves the focused chip, Delete removes it.
   item(QStringLiteral("keywords.chip.0"))->forceActiveFocus();
   key(Qt::Key_Right, Qt::ControlModifier);
-  EXPECT_EQ(document().listing()->entity("en-US")->text(store::ListingField::keywords),
-            "trails,hiking,maps,camping,gps");
+  EXPECT_EQ(keywords(), "trails,hiking,maps,camping,gps");
   item(QStringLiteral("keywords.chip.4"))->forceActiveFocus();
   key(Qt::Key_Delete);
-  EXPECT_EQ(document().listing()->entity("en-US")->text(store::ListingField::keywords), "trails,hiking,maps,camping");
+  EXPECT_EQ(keywords(), "trails,hiking,maps,camping");
 
   click("keywords.chip.0.remove");
-  EXPECT_EQ(document().listing()->entity("en-US")->text(store::ListingField::keywords), "hiking,maps,camping");
+  EXPECT_EQ(keywords(), "hiking,maps,camping");
   EXPECT_TRUE(shown("keywords.unsaved"));
 }
 
@@ -403,9 +367,7 @@ TEST_F(StudioTest, TheDecisionAndNextActionFollowEveryEdit) {
   document().selectScope(QStringLiteral("de-DE"));
   click("nextAction");
   EXPECT_EQ(document().currentScope(), "en-US");
-  QQuickItem* name = item(QStringLiteral("name.input"));
-  ASSERT_NE(name, nullptr);
-  EXPECT_TRUE(name->hasActiveFocus());
+  EXPECT_TRUE(read(QStringLiteral("name.input"), "activeFocus").toBool());
 
   type("name.input", QStringLiteral("Trail Notes"));
   EXPECT_EQ(text("decision"), "Ready to submit");
@@ -423,13 +385,12 @@ TEST_F(StudioTest, AnAddedLocaleIsWrittenWithItsFolderOnSave) {
 
   type("name.input", QStringLiteral("Notes de randonnée"), true);
   key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(readFile(folder() / "fr-FR/name.txt"), "Notes de randonnée\n");
-  EXPECT_EQ(readFile(folder() / "fr-FR/subtitle.txt"), "Plan hikes offline\n");
+  EXPECT_EQ(onDisk("fr-FR/name.txt"), "Notes de randonnée\n");
+  EXPECT_EQ(onDisk("fr-FR/subtitle.txt"), "Plan hikes offline\n");
 }
 
 TEST_F(StudioTest, ClosingWithUnsavedChangesAsksFirst) {
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("Unsaved"), true);
   window().close();
   settle();
@@ -437,7 +398,7 @@ TEST_F(StudioTest, ClosingWithUnsavedChangesAsksFirst) {
   EXPECT_TRUE(shown("unsavedDialog"));
   click("unsavedCancel");
   EXPECT_TRUE(window().isVisible());
-  EXPECT_EQ(readFile(folder() / "en-US/name.txt"), "Trail Notes\n");
+  EXPECT_EQ(onDisk("en-US/name.txt"), "Trail Notes\n");
 }
 
 TEST_F(StudioTest, RightToLeftLocalesAreShownRightToLeft) {
@@ -445,9 +406,7 @@ TEST_F(StudioTest, RightToLeftLocalesAreShownRightToLeft) {
   open();
   document().selectScope(QStringLiteral("ar-SA"));
   EXPECT_TRUE(document().currentRightToLeft());
-  QQuickItem* name = item(QStringLiteral("name.input"));
-  ASSERT_NE(name, nullptr);
-  EXPECT_EQ(name->property("effectiveHorizontalAlignment").toInt(), Qt::AlignRight);
+  EXPECT_EQ(read(QStringLiteral("name.input"), "effectiveHorizontalAlignment").toInt(), Qt::AlignRight);
   document().selectScope(QStringLiteral("en-US"));
   EXPECT_FALSE(document().currentRightToLeft());
 }
@@ -486,23 +445,19 @@ TEST_F(StudioTest, GooglePlayFoldersShowPlaysFieldsAndNoSharedData) {
 
 TEST_F(StudioTest, TheFoldersConfigurationSetsTheLevels) {
   writeFile(folder() / ".corvane.toml", "[rules]\n\"name.length\" = \"optimization\"\n");
-  open();
-  document().selectScope(QStringLiteral("en-US"));
+  open("en-US");
   type("name.input", QStringLiteral("Trail Notes for Hikers Who Love Mountains"), true);
   EXPECT_THAT(text("name.message"), StartsWith("Optimization: "));
   EXPECT_EQ(text("decision"), "Ready to submit");
 }
 
-TEST_F(StudioTest, BadFoldersAreRefusedWithAMessageAndNothingChanges) {
+TEST_F(StudioTest, OpenedFoldersAreRememberedAndBadOnesRefusedWithAMessage) {
   open();
+  EXPECT_EQ(studio_->recentFolders().folders(), QStringList{QString::fromStdString(folder().string())});
   EXPECT_FALSE(document().open(QString::fromStdString((files_.path() / "missing").string())));
   EXPECT_THAT(document().errorText().toStdString(), HasSubstr("missing"));
   EXPECT_EQ(document().folder().toStdString(), folder().string());
   EXPECT_TRUE(document().isOpen());
-}
-
-TEST_F(StudioTest, OpenedFoldersJoinTheRecentFolders) {
-  open();
   EXPECT_EQ(studio_->recentFolders().folders(), QStringList{QString::fromStdString(folder().string())});
 }
 
