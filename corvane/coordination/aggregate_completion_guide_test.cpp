@@ -5,10 +5,13 @@
 #include "corvane/testing/captured_log.hpp"
 #include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <boost/asio/error.hpp>
 
 #include <gtest/gtest.h>
+
+#include <tuple>
 
 namespace corvane {
 
@@ -225,11 +228,9 @@ TEST_F(AggregateCompletionGuideTest, QueriesWalkEntitiesInTheOrderTheyWereAdded)
   EXPECT_EQ(idsOf(groups.at("Media")), (std::vector<std::string>{"a-crit"}));
 
   const auto progress = guide->completionProgress();
-  EXPECT_EQ(progress.completedItems, 3);
-  EXPECT_EQ(progress.totalItems, 6);
-  EXPECT_EQ(progress.requiredItems, 3);
-  EXPECT_EQ(progress.optionalItems, 3);
-  EXPECT_EQ(progress.blockedItems, 1);
+  EXPECT_EQ(std::tie(progress.completedItems, progress.totalItems, progress.requiredItems, progress.optionalItems,
+                     progress.blockedItems),
+            std::tuple(3, 6, 3, 3, 1));
   EXPECT_EQ(guide->completionPercentage(), 0.5);
 
   EXPECT_TRUE(guide->hasIncompleteItems("user"));
@@ -268,21 +269,7 @@ TEST_F(AggregateCompletionGuideTest, RefreshReDerivesTheStatusAndLogs) {
                                                  {kLogger, info, "✅ Completion state refreshed"}}));
 }
 
-class ExecuteCompletionTest : public AggregateCompletionGuideTest {
- protected:
-  // Runs `executeCompletion()` and returns the kind of `CompletionError` it fails with.
-  CompletionError::Kind refusal() {
-    try {
-      loop.run(guide->executeCompletion());
-    } catch (const CompletionError& error) {
-      return error.kind();
-    }
-    ADD_FAILURE() << "executeCompletion() succeeded";
-    return CompletionError::Kind::unknown;
-  }
-};
-
-TEST_F(ExecuteCompletionTest, IsRefusedWhileARequiredItemIsOpenOrAnyItemIsBlocked) {
+TEST_F(AggregateCompletionGuideTest, ExecutionIsRefusedWhileARequiredItemIsOpenOrAnyItemIsBlocked) {
   const std::vector<std::vector<CompletionItem>> unready{
       {item("r", ItemStatus::missing(), Priority::required)},
       {item("r", ItemStatus::completed(), Priority::required),
@@ -295,7 +282,8 @@ TEST_F(ExecuteCompletionTest, IsRefusedWhileARequiredItemIsOpenOrAnyItemIsBlocke
     auto recording = recordStatuses(statuses);
     newEntries();
 
-    EXPECT_EQ(refusal(), CompletionError::Kind::requirementsNotMet);
+    const auto refused = testing::thrown<CompletionError>([&] { loop.run(guide->executeCompletion()); });
+    EXPECT_EQ(refused ? refused->kind() : CompletionError::Kind::unknown, CompletionError::Kind::requirementsNotMet);
 
     EXPECT_EQ(guide->completionStatus(), before);
     EXPECT_TRUE(statuses.empty());
@@ -305,7 +293,7 @@ TEST_F(ExecuteCompletionTest, IsRefusedWhileARequiredItemIsOpenOrAnyItemIsBlocke
   }
 }
 
-TEST_F(ExecuteCompletionTest, SucceedsAfterItsWaitAndLeavesTheGuideReady) {
+TEST_F(AggregateCompletionGuideTest, ExecutionSucceedsAfterItsWaitAndLeavesTheGuideReady) {
   addExecutableItems();
   add("user", {});
   ASSERT_EQ(guide->completionStatus(), CompletionStatus::hasOptionalItems(1));
@@ -326,7 +314,7 @@ TEST_F(ExecuteCompletionTest, SucceedsAfterItsWaitAndLeavesTheGuideReady) {
   EXPECT_EQ(guide->completionStatus(), CompletionStatus::hasOptionalItems(1));
 }
 
-TEST_F(ExecuteCompletionTest, CancellationMidWaitRestoresTheDerivedStatusAndRethrowsAsIs) {
+TEST_F(AggregateCompletionGuideTest, CancellingExecutionMidWaitRestoresTheDerivedStatusAndRethrowsAsIs) {
   addExecutableItems();
   std::weak_ptr<AggregateCompletionGuide> watched = guide;
   // A CompletionError would be rethrown here and fail the test: the abort must pass as is.

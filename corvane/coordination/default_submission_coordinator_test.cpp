@@ -59,9 +59,6 @@ TEST_F(DefaultSubmissionCoordinatorTest, StartsEmptyAndUninitialisedWithTheGiven
   const DefaultSubmissionCoordinator custom(
       SubmissionConfiguration(false, true, false, SubmissionConfiguration::AutoSubmitStrategy::onCompletion,
                               SubmissionConfiguration::ValidationStrategy::batch(), 7));
-  EXPECT_FALSE(custom.configuration().enableChangeTracking);
-  EXPECT_EQ(custom.configuration().autoSubmitStrategy, SubmissionConfiguration::AutoSubmitStrategy::onCompletion);
-  EXPECT_TRUE(custom.configuration().validationStrategy.isBatch());
   EXPECT_EQ(custom.configuration().maxConcurrentValidations, 7);
 }
 

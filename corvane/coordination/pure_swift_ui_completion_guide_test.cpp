@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
+
 namespace corvane {
 namespace {
 
@@ -15,6 +18,11 @@ using ItemStatus = CompletionItem::CompletionStatus;
 
 CompletionItem item(std::string id, ItemStatus status, Priority priority) {
   return CompletionItem(std::move(id), "Title", "Description", std::move(status), priority, std::nullopt);
+}
+
+// completed, total, required, optional and blocked items.
+std::array<std::int64_t, 5> countsOf(const CompletionProgress& p) {
+  return {p.completedItems, p.totalItems, p.requiredItems, p.optionalItems, p.blockedItems};
 }
 
 std::vector<std::string> idsOf(const std::vector<CompletionItem>& items) {
@@ -63,12 +71,7 @@ TEST_F(PureSwiftUICompletionGuideTest, WithoutItemsNothingHasStartedAndCompletio
   for (auto* guide : {&noFeatures, &noItems}) {
     EXPECT_EQ(guide->completionStatus(), CompletionStatus::notStarted());
     EXPECT_TRUE(guide->canComplete());
-    const auto progress = guide->completionProgress();
-    EXPECT_EQ(progress.completedItems, 0);
-    EXPECT_EQ(progress.totalItems, 0);
-    EXPECT_EQ(progress.requiredItems, 0);
-    EXPECT_EQ(progress.optionalItems, 0);
-    EXPECT_EQ(progress.blockedItems, 0);
+    EXPECT_EQ(countsOf(guide->completionProgress()), (std::array<std::int64_t, 5>{0, 0, 0, 0, 0}));
     EXPECT_EQ(executionFailure(*guide), std::nullopt);
   }
 }
@@ -108,12 +111,7 @@ TEST_F(PureSwiftUICompletionGuideTest, ProgressCountsEverythingButBlockedItems) 
                        item("r2", ItemStatus::blocked("no icon"), Priority::required),
                        item("o", ItemStatus::blocked("no screenshots"), Priority::optional),
                        item("n", ItemStatus::completed(), Priority::recommended)})});
-  const auto progress = guide.completionProgress();
-  EXPECT_EQ(progress.completedItems, 2);
-  EXPECT_EQ(progress.totalItems, 4);
-  EXPECT_EQ(progress.requiredItems, 2);
-  EXPECT_EQ(progress.optionalItems, 2);
-  EXPECT_EQ(progress.blockedItems, 0);
+  EXPECT_EQ(countsOf(guide.completionProgress()), (std::array<std::int64_t, 5>{2, 4, 2, 2, 0}));
   EXPECT_EQ(guide.completionStatus(), CompletionStatus::inProgress(1, 2));
 }
 

@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstdint>
+#include <tuple>
 
 namespace corvane {
 
@@ -47,6 +49,12 @@ std::vector<std::string> entityIdsOf(const AggregateValidator& validator) {
   return ids;
 }
 
+// totalIssues, errorCount, warningCount and isValid of a summary taken now.
+std::tuple<std::int64_t, std::int64_t, std::int64_t, bool> summaryOf(const AggregateValidator& validator) {
+  const auto summary = validator.getValidationSummary();
+  return {summary.totalIssues, summary.errorCount, summary.warningCount, summary.isValid};
+}
+
 class AggregateValidatorTest : public ::testing::Test {
  protected:
   std::shared_ptr<RecordingFeature> feature(std::string id) {
@@ -62,12 +70,8 @@ TEST_F(AggregateValidatorTest, AFreshValidatorReportsSuccess) {
   EXPECT_TRUE(validator.blockingIssues().empty());
   EXPECT_TRUE(validator.warningIssues().empty());
   EXPECT_EQ(validator.validationState(), SubmissionValidationState::valid());
-  const auto summary = validator.getValidationSummary();
-  EXPECT_EQ(summary.totalIssues, 0);
-  EXPECT_EQ(summary.errorCount, 0);
-  EXPECT_EQ(summary.warningCount, 0);
-  EXPECT_TRUE(summary.isValid);
-  EXPECT_TRUE(summary.lastValidation.has_value());
+  EXPECT_EQ(summaryOf(validator), std::tuple(0, 0, 0, true));
+  EXPECT_TRUE(validator.getValidationSummary().lastValidation.has_value());
 }
 
 TEST_F(AggregateValidatorTest, RegisteringTwiceListsTwiceButFilesOneSilentProducer) {
@@ -134,11 +138,7 @@ TEST_F(AggregateValidatorTest, DerivedValuesSortCollectedIssuesBySeverity) {
   EXPECT_EQ(idsOf(state.getIf<SubmissionValidationState::Invalid>()->issues),
             (std::vector<std::string>{"a-info", "a-error", "a-warning", "b-warning", "b-error"}));
   EXPECT_FALSE(state.canProceed());
-  const auto summary = validator.getValidationSummary();
-  EXPECT_EQ(summary.totalIssues, 5);
-  EXPECT_EQ(summary.errorCount, 2);
-  EXPECT_EQ(summary.warningCount, 2);
-  EXPECT_FALSE(summary.isValid);
+  EXPECT_EQ(summaryOf(validator), std::tuple(5, 2, 2, false));
 }
 
 TEST_F(AggregateValidatorTest, WarningsAndInfosAloneStayValidButMakeTheStateInvalid) {
@@ -151,11 +151,7 @@ TEST_F(AggregateValidatorTest, WarningsAndInfosAloneStayValidButMakeTheStateInva
   const auto state = validator.validationState();
   EXPECT_EQ(state, SubmissionValidationState::invalid({issue("w", Severity::warning), issue("i", Severity::info)}));
   EXPECT_TRUE(state.canProceed());
-  const auto summary = validator.getValidationSummary();
-  EXPECT_EQ(summary.totalIssues, 2);
-  EXPECT_EQ(summary.errorCount, 0);
-  EXPECT_EQ(summary.warningCount, 1);
-  EXPECT_TRUE(summary.isValid);
+  EXPECT_EQ(summaryOf(validator), std::tuple(2, 0, 1, true));
 }
 
 TEST_F(AggregateValidatorTest, IsValidReadsEveryListedFeaturesChangeFlag) {

@@ -3,6 +3,7 @@
 #include "corvane/testing/default_change_tracker_access.hpp"
 #include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gtest/gtest.h>
 
@@ -93,13 +94,10 @@ TEST_F(DefaultChangeTrackerTest, SubmitStopsAtTheFirstFailureAndPassesItOnUnchan
   auto third = feature("c", true);
   second->saveFailure = std::make_exception_ptr(SaveFailure("disk full", 28));
   const auto changes = tracker({first, second, third});
-  try {
-    loop.run(changes->submit());
-    FAIL() << "submit succeeded";
-  } catch (const SaveFailure& failure) {
-    EXPECT_STREQ(failure.what(), "disk full");
-    EXPECT_EQ(failure.code, 28);
-  }
+  const auto failure = testing::thrown<SaveFailure>([&] { loop.run(changes->submit()); });
+  ASSERT_TRUE(failure);
+  EXPECT_STREQ(failure->what(), "disk full");
+  EXPECT_EQ(failure->code, 28);
   EXPECT_EQ(*journal, (Journal{"save a", "saved a", "save b"}));
   EXPECT_EQ(first->saves, 1);
   EXPECT_FALSE(first->hasUnsavedChanges());

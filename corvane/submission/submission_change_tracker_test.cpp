@@ -3,6 +3,7 @@
 #include "corvane/submission/submission_feature_type.hpp"
 #include "corvane/testing/recording_feature.hpp"
 #include "corvane/testing/test_main_loop.hpp"
+#include "corvane/testing/thrown.hpp"
 
 #include <gtest/gtest.h>
 
@@ -67,12 +68,7 @@ TEST_F(SubmissionChangeTrackerTest, SubmitAndDiscardReachTheEntity) {
 TEST_F(SubmissionChangeTrackerTest, SubmitPassesTheSaveErrorOnUnchanged) {
   feature->saveFailure = std::make_exception_ptr(std::out_of_range("no room"));
   const SubmissionChangeTracker tracker(feature);
-  try {
-    loop.run(tracker.submit());
-    FAIL() << "submit succeeded";
-  } catch (const std::out_of_range& error) {
-    EXPECT_STREQ(error.what(), "no room");
-  }
+  EXPECT_EQ(testing::thrownMessage<std::out_of_range>([&] { loop.run(tracker.submit()); }), "no room");
   EXPECT_EQ(feature->saves, 0);
 }
 
