@@ -16,15 +16,14 @@
 namespace corvane::cli {
 namespace {
 
-using store::ListingFinding;
 using store::kRuleLevels;
+using store::ListingFinding;
 
 // Texts longer than this are folded under <details>, so that a description does not push
 // the findings of the next field off the screen.
 constexpr std::size_t kFoldedCharacters = 280;
 
-
-// The level's class name in the style sheet and its words for people.
+// The level's class name in the style sheet.
 std::string_view levelClass(RuleLevel level) {
   switch (level) {
     case RuleLevel::blocker:
@@ -35,20 +34,6 @@ std::string_view levelClass(RuleLevel level) {
       return "optimization";
     case RuleLevel::opportunity:
       return "opportunity";
-  }
-  return {};
-}
-
-std::string_view levelPlural(RuleLevel level) {
-  switch (level) {
-    case RuleLevel::blocker:
-      return "Blockers";
-    case RuleLevel::rejectionRisk:
-      return "Rejection risks";
-    case RuleLevel::optimization:
-      return "Optimizations";
-    case RuleLevel::opportunity:
-      return "Opportunities";
   }
   return {};
 }
@@ -140,7 +125,8 @@ details summary { cursor: pointer; color: var(--optimization); }
 // One finding: its level in words, message, why the store cares, what to do, and where.
 void writeFinding(const ListingFinding& finding, std::ostream& out) {
   const auto& verdict = finding.verdict;
-  out << "<li class=\"finding " << levelClass(finding.level) << "\" data-rule=\"" << markupEscaped(finding.rule) << "\">\n"
+  out << "<li class=\"finding " << levelClass(finding.level) << "\" data-rule=\"" << markupEscaped(finding.rule)
+      << "\">\n"
       << "<p class=\"message\"><span class=\"badge\">" << store::levelTitle(finding.level) << "</span>"
       << markupEscaped(verdict.message) << "</p>\n";
   if (verdict.businessReason) {
@@ -159,8 +145,8 @@ void writeFinding(const ListingFinding& finding, std::ostream& out) {
   if (!action.empty()) {
     out << "<p class=\"do\"><span class=\"label\">What to do:</span> " << markupEscaped(action) << "</p>\n";
   }
-  out << "<p class=\"meta\">Rule <code class=\"rule\">" << markupEscaped(finding.rule) << "</code> at <span class=\"place\">"
-      << markupEscaped(finding.file);
+  out << "<p class=\"meta\">Rule <code class=\"rule\">" << markupEscaped(finding.rule)
+      << "</code> at <span class=\"place\">" << markupEscaped(finding.file);
   if (finding.position) out << ':' << finding.position->line << ':' << finding.position->column;
   out << "</span></p>\n</li>\n";
 }
@@ -192,9 +178,8 @@ void writeField(const FieldText& field, const store::FieldFacts& facts, const Lo
       const auto limit = std::max<std::int64_t>(*facts.limit, 1);
       const auto percent = std::min<std::int64_t>(count * 100 / limit, 100);
       const bool over = count > *facts.limit;
-      out << "<div class=\"length" << (over ? " over" : "") << "\"><div class=\"bar\"><span style=\"width: "
-          << percent << "%\"></span></div><span class=\"count\">" << count << " of " << *facts.limit
-          << " characters";
+      out << "<div class=\"length" << (over ? " over" : "") << "\"><div class=\"bar\"><span style=\"width: " << percent
+          << "%\"></span></div><span class=\"count\">" << count << " of " << *facts.limit << " characters";
       if (over) out << ", " << count - *facts.limit << " too many";
       out << "</span></div>\n";
     } else {
@@ -253,7 +238,9 @@ std::string sectionCounts(const LocaleReport& section) {
   std::vector<std::string> parts;
   for (const auto level : kRuleLevels) {
     const auto count = std::ranges::count(section.findings, level, &ListingFinding::level);
-    if (count > 0) parts.push_back(fmt::format("{} {}", count, count == 1 ? store::levelTitle(level) : levelPlural(level)));
+    if (count > 0)
+      parts.push_back(
+          fmt::format("{} {}", count, count == 1 ? store::levelTitle(level) : store::levelTitlePlural(level)));
   }
   if (parts.empty()) return "no findings";
   std::string result = parts.front();
@@ -261,8 +248,7 @@ std::string sectionCounts(const LocaleReport& section) {
   return result;
 }
 
-void writeCard(const LocaleReport& section, std::string_view title, const store::StoreFacts& facts,
-               std::ostream& out) {
+void writeCard(const LocaleReport& section, std::string_view title, const store::StoreFacts& facts, std::ostream& out) {
   out << "<section class=\"card\" id=\"" << anchor("locale-", section.locale) << "\" data-locale=\""
       << markupEscaped(section.locale) << "\">\n<h2>" << markupEscaped(title) << "<span class=\"meta\">"
       << markupEscaped(sectionCounts(section)) << "</span></h2>\n";
@@ -307,8 +293,8 @@ void writeBanner(const CheckReport& report, std::ostream& out) {
   const auto blockers = report.count(RuleLevel::blocker);
   out << "<header class=\"banner " << (blockers > 0 ? "blocked" : "ready") << "\" id=\"summary\">\n<h1>";
   if (blockers > 0) {
-    out << "Blocked by " << plural(blockers, "blocker", "blockers") << ": fix "
-        << (blockers == 1 ? "it" : "them") << " before submitting";
+    out << "Blocked by " << plural(blockers, "blocker", "blockers") << ": fix " << (blockers == 1 ? "it" : "them")
+        << " before submitting";
   } else {
     out << "Can submit: nothing blocks submission";
   }
@@ -321,7 +307,7 @@ void writeBanner(const CheckReport& report, std::ostream& out) {
     const auto count = report.count(level);
     out << "<li class=\"" << levelClass(level) << (count == 0 ? " none" : "") << "\" data-level=\""
         << store::levelName(level) << "\"><span class=\"number\">" << count << "</span>"
-        << (count == 1 ? store::levelTitle(level) : levelPlural(level)) << "</li>\n";
+        << (count == 1 ? store::levelTitle(level) : store::levelTitlePlural(level)) << "</li>\n";
   }
   out << "</ul>\n<p>Checklist: " << report.progress.completedItems << " of " << report.progress.totalItems
       << " items done, " << markupEscaped(completionSummary(report)) << ".";
@@ -334,8 +320,8 @@ void writeBanner(const CheckReport& report, std::ostream& out) {
     out << "<p>" << (report.fixesWritten ? "Fixed automatically: " : "Would fix automatically: ");
     for (std::size_t i = 0; i < report.fixes.size(); ++i) {
       const auto& fix = report.fixes[i];
-      out << (i > 0 ? "; " : "") << markupEscaped(fix.file) << " (" << markupEscaped(fix.action) << ", " << fix.charactersBefore
-          << " to " << fix.charactersAfter << " characters)";
+      out << (i > 0 ? "; " : "") << markupEscaped(fix.file) << " (" << markupEscaped(fix.action) << ", "
+          << fix.charactersBefore << " to " << fix.charactersAfter << " characters)";
     }
     out << "</p>\n";
   }
@@ -355,7 +341,8 @@ void writeHtmlReport(const CheckReport& report, std::ostream& out) {
   writeBanner(report, out);
   out << "<nav aria-label=\"Locales\"><ul>\n";
   for (const auto& locale : report.locales) {
-    out << "<li><a href=\"#" << anchor("locale-", locale.locale) << "\">" << markupEscaped(locale.locale) << "</a></li>\n";
+    out << "<li><a href=\"#" << anchor("locale-", locale.locale) << "\">" << markupEscaped(locale.locale)
+        << "</a></li>\n";
   }
   if (shared) out << "<li><a href=\"#locale-shared\">Shared files</a></li>\n";
   out << "</ul></nav>\n<main>\n";

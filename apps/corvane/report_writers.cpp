@@ -42,20 +42,6 @@ const fmt::text_style kCyan = fg(fmt::terminal_color::cyan);
 const fmt::text_style kGreen = fg(fmt::terminal_color::green);
 const fmt::text_style kDim = fmt::emphasis::faint;
 
-std::string_view heading(RuleLevel level) {
-  switch (level) {
-    case RuleLevel::blocker:
-      return "Blockers";
-    case RuleLevel::rejectionRisk:
-      return "Rejection risks";
-    case RuleLevel::optimization:
-      return "Optimizations";
-    case RuleLevel::opportunity:
-      return "Opportunities";
-  }
-  return {};
-}
-
 fmt::text_style colourOf(RuleLevel level) {
   switch (level) {
     case RuleLevel::blocker:
@@ -146,7 +132,7 @@ void writeSection(const LocaleReport& section, std::string_view title, std::ostr
     const auto count = std::ranges::count(section.findings, level, &ListingFinding::level);
     if (count == 0) continue;
     any = true;
-    out << "  " << paint(colourOf(level), fmt::format("{} ({})", heading(level), count)) << '\n';
+    out << "  " << paint(colourOf(level), fmt::format("{} ({})", store::levelTitlePlural(level), count)) << '\n';
     for (const auto& finding : section.findings) {
       if (finding.level == level) writeFinding(finding, out, paint);
     }

@@ -91,6 +91,13 @@ QLocale localeOf(std::string_view code) {
   return QLocale(qs(code));
 }
 
+// The store's own spelling of a keyword list: commas, no spaces.
+std::string joinedKeywords(const std::vector<store::KeywordSpan>& keywords) {
+  std::string list;
+  for (const auto& keyword : keywords) list += (list.empty() ? "" : ",") + std::string(keyword.text);
+  return list;
+}
+
 int priorityRank(CompletionItem::Priority priority) {
   switch (priority) {
     case CompletionItem::Priority::critical:
@@ -256,9 +263,7 @@ void ListingDocument::removeKeyword(const QString& key, int position) {
   auto keywords = store::splitKeywords(currentEntity()->text(field));
   if (position < 0 || position >= static_cast<int>(keywords.size())) return;
   keywords.erase(keywords.begin() + position);
-  std::string list;
-  for (const auto& keyword : keywords) list += (list.empty() ? "" : ",") + std::string(keyword.text);
-  editField(field, std::move(list));
+  editField(field, joinedKeywords(keywords));
 }
 
 void ListingDocument::moveKeyword(const QString& key, int from, int to) {
@@ -271,9 +276,7 @@ void ListingDocument::moveKeyword(const QString& key, int from, int to) {
   const auto moved = keywords[static_cast<std::size_t>(from)];
   keywords.erase(keywords.begin() + from);
   keywords.insert(keywords.begin() + to, moved);
-  std::string list;
-  for (const auto& keyword : keywords) list += (list.empty() ? "" : ",") + std::string(keyword.text);
-  editField(field, std::move(list));
+  editField(field, joinedKeywords(keywords));
 }
 
 void ListingDocument::discardField(const QString& key) {

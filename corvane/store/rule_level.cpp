@@ -30,6 +30,20 @@ std::string_view levelTitle(RuleLevel level) noexcept {
   return {};
 }
 
+std::string_view levelTitlePlural(RuleLevel level) noexcept {
+  switch (level) {
+    case RuleLevel::blocker:
+      return "Blockers";
+    case RuleLevel::rejectionRisk:
+      return "Rejection risks";
+    case RuleLevel::optimization:
+      return "Optimizations";
+    case RuleLevel::opportunity:
+      return "Opportunities";
+  }
+  return {};
+}
+
 std::optional<RuleLevel> parseRuleLevel(std::string_view name) noexcept {
   for (const auto level : kRuleLevels) {
     if (levelName(level) == name) return level;

@@ -24,6 +24,10 @@ std::string_view levelName(RuleLevel level) noexcept;
 /// The level as people read it: "Blocker", "Rejection risk", "Optimization" or "Opportunity".
 std::string_view levelTitle(RuleLevel level) noexcept;
 
+/// The same for several findings: "Blockers", "Rejection risks", "Optimizations" or
+/// "Opportunities".
+std::string_view levelTitlePlural(RuleLevel level) noexcept;
+
 /// The level named `name` (as `levelName` writes it); nothing for any other text.
 std::optional<RuleLevel> parseRuleLevel(std::string_view name) noexcept;
 
