@@ -12,9 +12,7 @@
 namespace corvane::cli {
 
 const store::StoreFacts& storeFactsFor(const CheckOptions& options) {
-  if (options.store == "auto") return store::StoreFacts::of(store::detectStore(options.directory));
-  if (const auto chosen = store::storeFromKey(options.store)) return store::StoreFacts::of(*chosen);
-  throw store::InputError("'" + options.store + "' is not a store: choose appstore, play or auto");
+  return store::chosenStoreFacts(options.store, options.directory);
 }
 
 namespace {

@@ -2,7 +2,6 @@
 
 #include "corvane/coordination/aggregate_completion_guide.hpp"
 #include "corvane/store/conflict_error.hpp"
-#include "corvane/store/input_error.hpp"
 #include "corvane/store/keyword_list.hpp"
 #include "corvane/store/listing_configuration.hpp"
 #include "corvane/store/listing_entity.hpp"
@@ -120,17 +119,9 @@ ListingDocument::~ListingDocument() = default;
 bool ListingDocument::open(const QString& folder, const QString& store) {
   try {
     const std::filesystem::path root = QDir::cleanPath(QFileInfo(folder).absoluteFilePath()).toStdString();
-    const auto storeKey = utf8(store);
-    const store::StoreFacts* facts = nullptr;
-    if (storeKey == "auto") {
-      facts = &store::StoreFacts::of(store::detectStore(root));
-    } else if (const auto chosen = store::storeFromKey(storeKey)) {
-      facts = &store::StoreFacts::of(*chosen);
-    } else {
-      throw store::InputError("'" + storeKey + "' is not a store: choose appstore, play or auto");
-    }
-    auto configuration = store::loadListingConfiguration(root, std::nullopt, *facts);
-    auto listing = std::make_unique<store::StoreListing>(root, *facts, std::move(configuration),
+    const auto& facts = store::chosenStoreFacts(utf8(store), root);
+    auto configuration = store::loadListingConfiguration(root, std::nullopt, facts);
+    auto listing = std::make_unique<store::StoreListing>(root, facts, std::move(configuration),
                                                          store::RuleContext{.currentYear = thisYear()});
     listing_ = std::move(listing);
   } catch (const std::exception& error) {

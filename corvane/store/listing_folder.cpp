@@ -283,6 +283,12 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   return listing;
 }
 
+const StoreFacts& chosenStoreFacts(std::string_view choice, const fs::path& root) {
+  if (choice == "auto") return StoreFacts::of(detectStore(root));
+  if (const auto chosen = storeFromKey(choice)) return StoreFacts::of(*chosen);
+  throw InputError("'" + std::string(choice) + "' is not a store: choose appstore, play or auto");
+}
+
 StoreId detectStore(const fs::path& root) {
   std::error_code error;
   auto holdsAny = [&](const fs::path& folder, std::span<const ListingField> fields) {

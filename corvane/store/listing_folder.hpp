@@ -111,4 +111,8 @@ ListingFolder readListingFolder(const std::filesystem::path& root, const StoreFa
 /// cannot be read, whose reading then reports the problem. Looks at names only.
 StoreId detectStore(const std::filesystem::path& root);
 
+/// The facts of the store a person chose for the folder `root`: "appstore", "play", or
+/// "auto" to tell by its files (`detectStore`). Throws `InputError` for any other choice.
+const StoreFacts& chosenStoreFacts(std::string_view choice, const std::filesystem::path& root);
+
 }  // namespace corvane::store
