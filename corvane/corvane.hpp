@@ -28,6 +28,7 @@
 #include "corvane/results/business_validation_result.hpp"
 #include "corvane/results/display_behavior.hpp"
 #include "corvane/results/display_timing.hpp"
+#include "corvane/results/stored_verdict.hpp"
 #include "corvane/results/validation_color_scheme.hpp"
 #include "corvane/results/validation_result.hpp"
 #include "corvane/results/validation_severity.hpp"

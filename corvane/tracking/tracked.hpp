@@ -2,6 +2,7 @@
 
 #include "corvane/cache/validation_cache.hpp"
 #include "corvane/observation/observation_registrar.hpp"
+#include "corvane/results/stored_verdict.hpp"
 #include "corvane/results/validation_result.hpp"
 #include "corvane/support/describe.hpp"
 #include "corvane/support/object_identity.hpp"
@@ -188,7 +189,7 @@ class Tracked final : public TrackedValidatable, public Observable {
   /// The verdict stored at the last revalidation.
   ValidationResult validationResult() const override {
     observationRegistrar().access(kCachedValidationResult);
-    return cachedValidationResult_;
+    return cachedValidationResult_.get();
   }
 
   /// Runs every rule on the current value and returns the last rule's verdict (`valid()`
@@ -245,14 +246,15 @@ class Tracked final : public TrackedValidatable, public Observable {
 
   void setCachedValidationResult(ValidationResult result) {
     observationRegistrar().withMutation(kCachedValidationResult,
-                                        [&] { cachedValidationResult_ = std::move(result); });
+                                        [&] { cachedValidationResult_.set(std::move(result)); });
   }
 
   std::uint64_t identity_ = nextObjectIdentity();  // never changes
   T storage_;
   T originalValue_;
   std::vector<Rule> validationRules_;
-  ValidationResult cachedValidationResult_ = ValidationResult::valid();
+  // Thousands of properties hold valid() verdicts: those cost no more than a pointer.
+  StoredVerdict cachedValidationResult_;
   std::optional<std::string> propertyName_;
 };
 

@@ -24,7 +24,7 @@ static_assert(kDefined<
               // results/
               c::ActionGuidance, c::BusinessImpact, c::BusinessValidationResult, c::DisplayBehavior,
               c::DisplayTiming, c::BasicDisplayTiming<struct AnyTag>, c::ValidationColorScheme,
-              c::ValidationResult, c::ValidationSeverity,
+              c::StoredVerdict, c::ValidationResult, c::ValidationSeverity,
               // cache/
               c::ValidationCache, c::ValidationCacheMonitor,
               // tracking/
