@@ -43,7 +43,8 @@ class NoteEntity final : public corvane::TrackableEntity {
 
 struct Fixture {
   explicit Fixture(std::int64_t count)
-      : tracker(std::make_shared<corvane::UnifiedChangeTracker>(corvane::UnifiedChangeTracker::Configuration{count, false})) {
+      : tracker(std::make_shared<corvane::UnifiedChangeTracker>(
+            corvane::UnifiedChangeTracker::Configuration{count, false})) {
     entities.reserve(static_cast<std::size_t>(count));
     for (std::int64_t i = 0; i < count; ++i) {
       entities.push_back(std::make_shared<NoteEntity>("note-" + std::to_string(i)));
