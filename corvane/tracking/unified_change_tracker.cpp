@@ -5,14 +5,19 @@
 #include "corvane/tracking/property_discovery.hpp"
 #include "corvane/tracking/tracked_validatable.hpp"
 
+#include <boost/asio/any_completion_handler.hpp>
+#include <boost/asio/any_io_executor.hpp>
+#include <boost/asio/async_result.hpp>
+#include <boost/asio/bind_cancellation_slot.hpp>
+#include <boost/asio/cancellation_signal.hpp>
 #include <boost/asio/co_spawn.hpp>
-#include <boost/asio/deferred.hpp>
-#include <boost/asio/experimental/parallel_group.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <deque>
+#include <exception>
 #include <functional>
 #include <utility>
 
@@ -49,9 +54,122 @@ bool isOpportunity(const ValidationResult& result) {
   return result.isValid && result.severity == ValidationSeverity::info;
 }
 
-// One child of submitAll's task group. It owns its entity, so that an unregister during
-// the save cannot pull the entity away.
-boost::asio::awaitable<void> saveEntity(std::shared_ptr<TrackableEntity> entity) { co_await entity->saveChanges(); }
+// submitAll's saves as one group. They start in order, each as soon as the save before it
+// has finished or waits: a worker coroutine saves entities one after another for as long as
+// their saves finish without waiting, and when one waits, a new worker takes the next
+// entity. So the group spawns one worker per save that waited (plus one) instead of one
+// coroutine per entity, and a save that does not wait costs about what a plain loop awaiting
+// it would. The group owns the entities, so that an unregister during a save cannot pull
+// one away. Only its workers own it, so that a group whose executor is destroyed before it
+// ends goes with them. Touched only on the submit's executor, one handler at a time.
+class SaveGroup final : public std::enable_shared_from_this<SaveGroup> {
+ public:
+  using Handler = boost::asio::any_completion_handler<void(std::exception_ptr)>;
+
+  SaveGroup(boost::asio::any_io_executor executor, std::vector<std::shared_ptr<TrackableEntity>> entities)
+      : executor_(std::move(executor)), entities_(std::move(entities)) {}
+
+  // Starts saving `entities` on `executor` and completes `handler` with the first failure,
+  // if any, once no save is under way. Cancelling the handler cancels the saves.
+  static void start(boost::asio::any_io_executor executor, std::vector<std::shared_ptr<TrackableEntity>> entities,
+                    Handler handler) {
+    auto group = std::make_shared<SaveGroup>(std::move(executor), std::move(entities));
+    group->handler_.swap(handler);  // Boost 1.81's move assignment of this type recurses without end
+    if (auto slot = boost::asio::get_associated_cancellation_slot(group->handler_); slot.is_connected()) {
+      slot.assign([weak = group->weak_from_this()](boost::asio::cancellation_type type) {
+        if (auto self = weak.lock()) self->cancel(type);
+      });
+    }
+    group->starting_ = true;
+    // A spawn returns once its worker has run out of entities or waits in a save. An executor
+    // that queues even what it could run at once leaves the worker unstarted instead: then
+    // each entity left gets a worker of its own, and each worker that runs carries on where
+    // the ones before it wait.
+    while (group->hasNext()) {
+      const auto taken = group->next_;
+      group->spawnWorker();
+      if (group->next_ == taken) {
+        for (auto left = group->entities_.size() - taken - 1; left > 0; --left) group->spawnWorker();
+        break;
+      }
+    }
+    group->starting_ = false;
+    if (group->workersLeft_ == 0) group->complete();
+  }
+
+ private:
+  static boost::asio::awaitable<void> work(std::shared_ptr<SaveGroup> group, std::size_t worker) {
+    while (group->hasNext()) {
+      TrackableEntity* entity = group->entities_[group->next_++].get();
+      try {
+        co_await entity->saveChanges();
+      } catch (...) {
+        group->fail(std::current_exception(), worker);
+      }
+    }
+  }
+
+  void spawnWorker() {
+    const std::size_t worker = workers_.size();
+    auto& cancellation = workers_.emplace_back().cancellation;
+    ++workersLeft_;
+    auto self = shared_from_this();
+    boost::asio::co_spawn(
+        executor_, work(self, worker),
+        boost::asio::bind_cancellation_slot(cancellation.slot(), [self, worker](std::exception_ptr error) {
+          self->workers_[worker].done = true;
+          if (error) self->fail(std::move(error), worker);
+          if (--self->workersLeft_ == 0 && !self->starting_) self->complete();
+        }));
+  }
+
+  // Whether a save is left to start: not once every save has started, one has failed or
+  // the group was cancelled.
+  bool hasNext() const { return !stopped_ && next_ < entities_.size(); }
+
+  // The first failure ends the group: the saves that wait are cancelled and the rest never
+  // start. The failing worker itself is not signalled: it is running, and a coroutine
+  // cancelled while it runs would fail its next step, even co_spawn's own last one.
+  void fail(std::exception_ptr error, std::size_t failing) {
+    if (firstFailure_) return;
+    firstFailure_ = std::move(error);
+    stopped_ = true;
+    for (std::size_t worker = 0; worker < workers_.size(); ++worker) {
+      if (worker != failing) workers_[worker].cancel(boost::asio::cancellation_type::terminal);
+    }
+  }
+
+  // The submit itself was cancelled, so no worker is running.
+  void cancel(boost::asio::cancellation_type type) {
+    stopped_ = true;
+    for (auto& worker : workers_) worker.cancel(type);
+  }
+
+  void complete() {
+    if (auto slot = boost::asio::get_associated_cancellation_slot(handler_); slot.is_connected()) slot.clear();
+    // Called from a worker's completion, which runs on the submit's executor: the handler's own.
+    Handler handler(std::move(handler_));
+    std::move(handler)(std::move(firstFailure_));
+  }
+
+  boost::asio::any_io_executor executor_;
+  std::vector<std::shared_ptr<TrackableEntity>> entities_;
+  std::size_t next_ = 0;
+  std::size_t workersLeft_ = 0;
+  bool starting_ = false;
+  bool stopped_ = false;
+  struct Worker {
+    void cancel(boost::asio::cancellation_type type) {
+      if (!done) cancellation.emit(type);
+    }
+
+    boost::asio::cancellation_signal cancellation;
+    bool done = false;
+  };
+  std::deque<Worker> workers_;  // a deque, because a signal must not move
+  std::exception_ptr firstFailure_;
+  Handler handler_;
+};
 
 }  // namespace
 
@@ -253,9 +371,24 @@ std::string UnifiedChangeTracker::statusText() const {
 }
 
 boost::asio::awaitable<void> UnifiedChangeTracker::submitAllGuarded(SubmitGuard) {
-  const auto changed = entitiesWithChanges();
+  // entitiesWithChanges() and validationErrors() in one walk, so that each entity is read
+  // while it is still in the cache. As there, verdicts are read (reading one may print) in
+  // registration order and only once something has changed.
+  const auto& all = entities();
+  std::vector<EntityPtr> changed;
+  std::vector<std::string> errors;
+  auto unread = all.begin();
+  auto readVerdictsUpTo = [&](std::list<Registration>::const_iterator end) {
+    for (; unread != end; ++unread) {
+      const auto verdict = unread->entity->validationResult();
+      if (!verdict.isValid) errors.push_back(unread->entity->entityName() + ": " + verdict.message);
+    }
+  };
+  for (auto registration = all.begin(); registration != all.end(); ++registration) {
+    if (registration->entity->hasUnsavedChanges()) changed.push_back(registration->entity);
+    if (!changed.empty()) readVerdictsUpTo(std::next(registration));
+  }
   if (changed.empty()) throw ChangeTrackingError::nothingToSubmit();
-  auto errors = validationErrors();
   if (!errors.empty()) {
     std::string reason = errors.size() == 1 ? "Fix this issue" : fmt::format("Fix {} issues", errors.size());
     throw ChangeTrackingError::submissionBlocked(std::move(reason), std::move(errors));
@@ -263,18 +396,12 @@ boost::asio::awaitable<void> UnifiedChangeTracker::submitAllGuarded(SubmitGuard)
   log(fmt::format("Submitting {} entities", changed.size()));
 
   auto executor = co_await boost::asio::this_coro::executor;
-  using Save = decltype(boost::asio::co_spawn(executor, std::declval<boost::asio::awaitable<void>>(),
-                                              boost::asio::deferred));
-  std::vector<Save> saves;
-  saves.reserve(changed.size());
-  for (const auto& entity : changed) saves.push_back(boost::asio::co_spawn(executor, saveEntity(entity), boost::asio::deferred));
-  auto [completionOrder, failures] =
-      co_await boost::asio::experimental::make_parallel_group(std::move(saves))
-          .async_wait(boost::asio::experimental::wait_for_one_error(), boost::asio::use_awaitable);
-  // The first child to fail ended the group; the others then failed by being cancelled.
-  for (auto index : completionOrder) {
-    if (failures[index]) std::rethrow_exception(failures[index]);
-  }
+  // Rethrows the first save failure as it was thrown; the other saves then failed by being
+  // cancelled. The initiation holds references only: this frame outlives it, and GCC 12
+  // destroys it twice (a shared pointer in it would be released twice).
+  co_await boost::asio::async_initiate<decltype(boost::asio::use_awaitable), void(std::exception_ptr)>(
+      [&](auto handler) { SaveGroup::start(std::move(executor), std::move(changed), std::move(handler)); },
+      boost::asio::use_awaitable);
   raiseStateVersion();
   log("Successfully submitted all entities");
 }

@@ -137,11 +137,13 @@ class UnifiedChangeTracker final : public Observable, public std::enable_shared_
   std::string changeDescription() const;
   /// "No changes to submit", "1 issue to fix", "<n> issues to fix" or "Ready to submit".
   std::string statusText() const;
-  /// Saves every changed entity concurrently, in one task group on the calling coroutine's
-  /// executor. Throws `nothingToSubmit` when nothing changed and `submissionBlocked` when
-  /// any entity (changed or not) does not pass; otherwise the first save error, unchanged
-  /// (the other saves are cancelled, those already done stay done). The state version rises
-  /// only when every save succeeded.
+  /// Saves every changed entity concurrently on the calling coroutine's executor: the saves
+  /// start in registration order, each once the one before it has ended or waits. Throws
+  /// `nothingToSubmit` when nothing changed and `submissionBlocked` when any entity (changed
+  /// or not) does not pass; otherwise the first save error, unchanged: the saves waiting then
+  /// are cancelled, those not yet started never start, those already done stay done.
+  /// Cancelling the submit cancels the saves that wait. The state version rises only when
+  /// every save succeeded.
   boost::asio::awaitable<void> submitAll();
   /// Discards the changes of every changed entity and raises the state version.
   void discardAll();

@@ -8,17 +8,23 @@
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/post.hpp>
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/this_coro.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
 #include <exception>
 #include <memory>
+#include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -39,7 +45,10 @@ class FakeEntity final : public TrackableEntity {
   std::string entityName() const override { return name_; }
   bool hasUnsavedChanges() const override { return changed; }
   std::string changeDescription() const override { return changed ? name_ + " edited" : ""; }
-  ValidationResult validationResult() const override { return verdict; }
+  ValidationResult validationResult() const override {
+    if (verdictReads) verdictReads->push_back(id_);
+    return verdict;
+  }
 
   boost::asio::awaitable<void> saveChanges() override {
     events->push_back("start " + id_);
@@ -62,6 +71,7 @@ class FakeEntity final : public TrackableEntity {
   std::chrono::milliseconds saveDelay{0};
   std::optional<std::string> failure;
   std::vector<std::string>* events = &ownEvents;
+  std::vector<std::string>* verdictReads = nullptr;
   std::vector<StoredProperty> fields;
 
  private:
@@ -223,6 +233,38 @@ TEST_F(UnifiedChangeTrackerTest, SubmitAllRefusesWhenNothingChangedOrAnythingIsI
   EXPECT_TRUE(events.empty());
 }
 
+// Reading a verdict may print (ValidationResult::combine does): submitAll reads every
+// entity's verdict, in registration order, but none when nothing changed.
+TEST_F(UnifiedChangeTrackerTest, SubmitAllReadsVerdictsInOrderOnlyOnceSomethingChanged) {
+  struct Case {
+    const char* name;
+    std::string changed;  // of the entities a, b and c
+    std::vector<std::string> reads;
+  };
+  const Case cases[] = {
+      {"nothing changed", "", {}},
+      {"the first changed", "a", {"a", "b", "c"}},
+      {"only the last changed", "c", {"a", "b", "c"}},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    UnifiedChangeTracker own;
+    std::vector<std::string> reads;
+    for (char id : std::string("abc")) {
+      auto entity = std::make_shared<FakeEntity>(std::string(1, id), std::string(1, id));
+      entity->changed = c.changed.find(id) != std::string::npos;
+      entity->verdictReads = &reads;
+      own.register_(entity);
+    }
+    try {
+      loop.run(own.submitAll());
+    } catch (const ChangeTrackingError& refusal) {
+      EXPECT_TRUE(c.changed.empty()) << describe(refusal);
+    }
+    EXPECT_EQ(reads, c.reads);
+  }
+}
+
 TEST_F(UnifiedChangeTrackerTest, SubmitAllSavesChangedEntitiesConcurrently) {
   testing::CapturedLines lines;
   UnifiedChangeTracker logged({10, true});
@@ -261,6 +303,182 @@ TEST_F(UnifiedChangeTrackerTest, SubmitAllPropagatesTheFirstErrorAndCancelsTheRe
   EXPECT_EQ(thrownMessage<std::runtime_error>([&] { loop.run(tracker.submitAll()); }), "quota exceeded");
   EXPECT_EQ(tracker.stateVersion(), version);
   EXPECT_TRUE(slow->changed) << "the cancelled save did not complete";
+}
+
+// An entity whose save either ends at once or waits until the test opens its gate, and
+// then fails if told to. A save cancelled while it waits says so and ends with the
+// cancellation error.
+class GatedEntity final : public TrackableEntity {
+ public:
+  GatedEntity(char id, bool waits, bool fails, std::vector<std::string>& events)
+      : id_(1, id), waits_(waits), fails_(fails), events_(events) {}
+
+  std::string entityId() const override { return id_; }
+  std::string entityName() const override { return id_; }
+  bool hasUnsavedChanges() const override { return changed; }
+  std::string changeDescription() const override { return {}; }
+  ValidationResult validationResult() const override { return ValidationResult::valid(); }
+  boost::asio::awaitable<void> saveChanges() override {
+    events_.push_back("start " + id_);
+    if (waits_) {
+      boost::asio::steady_timer gate(co_await boost::asio::this_coro::executor,
+                                     boost::asio::steady_timer::time_point::max());
+      gate_ = &gate;
+      boost::system::error_code ended;
+      co_await gate.async_wait(boost::asio::redirect_error(boost::asio::use_awaitable, ended));
+      gate_ = nullptr;
+      if (!opened_) {
+        events_.push_back("cancelled " + id_);
+        throw boost::system::system_error(ended);
+      }
+    }
+    if (fails_) {
+      events_.push_back("fail " + id_);
+      throw std::runtime_error(id_ + " failed");
+    }
+    changed = false;
+    events_.push_back("saved " + id_);
+  }
+  void discardChanges() override { changed = false; }
+
+  bool waiting() const { return gate_ != nullptr; }
+  void open() {
+    opened_ = true;
+    gate_->cancel();
+  }
+
+  bool changed = true;
+
+ private:
+  std::string id_;
+  bool waits_;
+  bool fails_;
+  std::vector<std::string>& events_;
+  boost::asio::steady_timer* gate_ = nullptr;
+  bool opened_ = false;
+};
+
+// An executor that queues every function on an io_context, even one it could run at once
+// (asio's own run a function at once when called from inside their context), as an executor
+// that hands work to another event loop may.
+class QueueingExecutor {
+ public:
+  explicit QueueingExecutor(boost::asio::io_context& context) : context_(&context) {}
+
+  boost::asio::execution_context& query(boost::asio::execution::context_t) const noexcept { return *context_; }
+  static constexpr boost::asio::execution::blocking_t query(boost::asio::execution::blocking_t) noexcept {
+    return boost::asio::execution::blocking.never;
+  }
+  QueueingExecutor require(boost::asio::execution::blocking_t::never_t) const { return *this; }
+  template <class Function>
+  void execute(Function function) const {
+    boost::asio::post(*context_, std::move(function));
+  }
+  friend bool operator==(const QueueingExecutor&, const QueueingExecutor&) = default;
+
+ private:
+  boost::asio::io_context* context_;
+};
+
+// How submitAll ends, whichever of its saves wait, fail, or end at once: the first failure
+// in time is rethrown, the saves that wait then are cancelled, those not started never start
+// and those done stay done; the state version rises only when every save succeeded. The
+// same on an executor that runs what it can at once and on one that queues everything.
+TEST(UnifiedChangeTrackerSubmitAll, TheFirstFailureEndsTheGroup) {
+  struct Case {
+    const char* name;
+    std::string entities;  // one letter each, registered in this order, all changed
+    std::string waiting;   // those whose saves wait until opened; the others end at once
+    std::string failing;   // those whose saves fail, with "<letter> failed"
+    std::string opened;    // gates opened, step by step: "c a" opens c, then a; "ca" both at once
+    std::string error;     // what submitAll throws; nothing when empty
+    std::string events;
+    std::string unsaved;
+  };
+  const Case cases[] = {
+      {"one entity, its save ends at once", "a", "", "", "", "", "start a, saved a", ""},
+      {"one entity, its save waits", "a", "a", "", "a", "", "start a, saved a", ""},
+      {"one entity, its save fails", "a", "a", "a", "a", "a failed", "start a, fail a", "a"},
+      {"no save waits", "abc", "", "", "", "", "start a, saved a, start b, saved b, start c, saved c", ""},
+      {"saves that end at once between saves that wait", "abc", "ac", "", "c a", "",
+       "start a, start b, saved b, start c, saved c, saved a", ""},
+      {"the first save fails while the others wait", "abc", "abc", "a", "a", "a failed",
+       "start a, start b, start c, fail a, cancelled b, cancelled c", "abc"},
+      {"the last save fails after the others were saved", "abc", "abc", "c", "a b c", "c failed",
+       "start a, start b, start c, saved a, saved b, fail c", "c"},
+      {"every save fails: the first to fail is rethrown, not the first registered", "abc", "abc", "abc", "cab",
+       "c failed", "start a, start b, start c, fail c, fail a, fail b", "abc"},
+      {"the first save fails at once: the others never start", "abc", "", "a", "", "a failed", "start a, fail a",
+       "abc"},
+      {"a save fails at once while one waits: that one is cancelled, the last never starts", "abc", "a", "b", "",
+       "b failed", "start a, start b, fail b, cancelled a", "abc"},
+  };
+  auto check = [](const Case& c, bool queued) {
+    SCOPED_TRACE(std::string(c.name) + (queued ? ", queued" : ""));
+    testing::TestMainLoop loop;
+    const auto executor = queued ? boost::asio::any_io_executor(QueueingExecutor(loop.context()))
+                                 : boost::asio::any_io_executor(loop.context().get_executor());
+    auto tracker = std::make_shared<UnifiedChangeTracker>();
+    std::vector<std::string> events;
+    std::vector<std::shared_ptr<GatedEntity>> entities;
+    for (char id : c.entities) {
+      entities.push_back(std::make_shared<GatedEntity>(id, c.waiting.find(id) != std::string::npos,
+                                                       c.failing.find(id) != std::string::npos, events));
+      tracker->register_(entities.back());
+    }
+    const auto version = tracker->stateVersion();
+    bool done = false;
+    std::exception_ptr failure;
+    boost::asio::co_spawn(executor, tracker->submitAll(), [&](std::exception_ptr error) {
+      failure = error;
+      done = true;
+    });
+    loop.drain();
+    std::istringstream steps(c.opened);
+    for (std::string step; steps >> step;) {
+      for (char id : step) {
+        auto& entity = *entities[c.entities.find(id)];
+        ASSERT_TRUE(entity.waiting()) << id;
+        entity.open();
+      }
+      loop.drain();
+    }
+    ASSERT_TRUE(done);
+    EXPECT_EQ(fmt::format("{}", fmt::join(events, ", ")), c.events);
+    if (c.error.empty()) {
+      EXPECT_FALSE(failure);
+    } else {
+      EXPECT_EQ(thrownMessage<std::runtime_error>([&] { std::rethrow_exception(failure); }), c.error);
+    }
+    EXPECT_EQ(tracker->stateVersion(), c.error.empty() ? version + 1 : version);
+    std::string unsaved;
+    for (const auto& entity : entities) {
+      if (entity->changed) unsaved += entity->entityId();
+    }
+    EXPECT_EQ(unsaved, c.unsaved);
+  };
+  for (const bool queued : {false, true}) {
+    for (const auto& c : cases) check(c, queued);
+  }
+}
+
+// Cancelling the submit itself cancels the saves that wait; the one already done stays done.
+TEST(UnifiedChangeTrackerSubmitAll, CancellingTheSubmitCancelsTheSavesThatWait) {
+  testing::TestMainLoop loop;
+  auto tracker = std::make_shared<UnifiedChangeTracker>();
+  std::vector<std::string> events;
+  auto a = std::make_shared<GatedEntity>('a', true, false, events);
+  auto b = std::make_shared<GatedEntity>('b', false, false, events);
+  auto c = std::make_shared<GatedEntity>('c', true, false, events);
+  tracker->register_(std::vector{a, b, c});
+  const auto version = tracker->stateVersion();
+  EXPECT_EQ(loop.cancelWhileWaiting(tracker->submitAll()).code(), boost::asio::error::operation_aborted);
+  EXPECT_EQ(events,
+            (std::vector<std::string>{"start a", "start b", "saved b", "start c", "cancelled a", "cancelled c"}));
+  EXPECT_TRUE(a->changed);
+  EXPECT_FALSE(b->changed);
+  EXPECT_TRUE(c->changed);
+  EXPECT_EQ(tracker->stateVersion(), version);
 }
 
 TEST_F(UnifiedChangeTrackerTest, DiscardAllTouchesOnlyChangedEntitiesAndAlwaysRaisesTheVersion) {
@@ -491,6 +709,26 @@ TEST(UnifiedChangeTrackerLifetime, ASubmitKeepsASharedTrackerAliveUntilItEnds) {
     EXPECT_FALSE(entity->changed);
     EXPECT_TRUE(weak.expired()) << "the finished submit still holds its tracker";
   }
+}
+
+// A submit still waiting when its loop is destroyed goes with the loop, and so lets go of
+// its tracker and the entities it was saving.
+TEST(UnifiedChangeTrackerLifetime, ASubmitAbandonedWithItsLoopLetsGoOfTrackerAndEntities) {
+  std::weak_ptr<UnifiedChangeTracker> weakTracker;
+  std::weak_ptr<ParkedEntity> weakEntity;
+  {
+    testing::TestMainLoop loop;
+    auto entity = std::make_shared<ParkedEntity>();
+    auto tracker = std::make_shared<UnifiedChangeTracker>();
+    tracker->register_(entity);
+    weakTracker = tracker;
+    weakEntity = entity;
+    boost::asio::co_spawn(loop.context(), tracker->submitAll(), boost::asio::detached);
+    loop.drain();
+    ASSERT_NE(entity->parked, nullptr);
+  }
+  EXPECT_TRUE(weakTracker.expired());
+  EXPECT_TRUE(weakEntity.expired());
 }
 
 // A tracker that no shared pointer owns cannot be kept alive: destroying it while one of
