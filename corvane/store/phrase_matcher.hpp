@@ -94,6 +94,9 @@ class TokenizedText {
   };
 
   void split(std::string_view text, bool findLinks);
+  // Records the link in the bytes [runStart, runEnd) of the text, if they hold one, and
+  // marks its tokens from `runFirstToken` on.
+  void markLink(std::size_t runStart, std::size_t runEnd, std::size_t runFirstToken);
   // Moves the key of `token` into keys_, so that more can be appended to it.
   void ownKey(Token& token);
   // Whether `token`'s key is still the text it covers, up to `offset`, so that what is

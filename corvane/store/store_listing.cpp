@@ -171,8 +171,9 @@ StoreListing::~StoreListing() = default;
 
 ListingEntity* StoreListing::entity(std::string_view scope) const {
   if (scope == "shared") return shared_.get();
-  const auto found = std::ranges::find(locales_, scope, &ListingEntity::scope);
-  return found == locales_.end() ? nullptr : found->get();
+  // The locales are kept in name order (see addLocale): a report asks for each field.
+  const auto found = std::ranges::lower_bound(locales_, scope, {}, &ListingEntity::scope);
+  return found == locales_.end() || (*found)->scope() != scope ? nullptr : found->get();
 }
 
 ListingEntity& StoreListing::require(std::string_view scope, ListingField field) const {
@@ -187,6 +188,11 @@ ListingEntity& StoreListing::require(std::string_view scope, ListingField field)
 
 ListingText& StoreListing::record(const ListingEntity& entity, ListingField field) {
   if (&entity == shared_.get()) return folder_.sharedText(field);
+  // The folder's locales stand in the same (name) order as the entities, so the entity's
+  // place finds its record without comparing names.
+  const auto at = static_cast<std::size_t>(
+      std::ranges::find(locales_, &entity, &std::shared_ptr<ListingEntity>::get) - locales_.begin());
+  if (at < folder_.locales.size() && folder_.locales[at].locale == entity.scope()) return folder_.locales[at].text(field);
   const auto locale = std::ranges::find(folder_.locales, entity.scope(), &LocaleFolder::locale);
   return locale->text(field);
 }
