@@ -552,14 +552,19 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
   const auto level = levelOf("keywords.repeats-name");
   if (!level) return out;
   const auto spans = splitKeywords(keywords);
-  PhraseMatcher matcher;
+  // Reused by every call on this thread: a report lists every locale's findings.
+  thread_local PhraseMatcher matcher;
+  thread_local TokenizedText words;
+  matcher.clear();
   std::vector<std::size_t> spanOf;  // phrase index -> keyword
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (matcher.add(spans[i].text)) spanOf.push_back(i);
   }
   std::vector<bool> inName(spans.size()), inSubtitle(spans.size());
-  for (const auto& match : matcher.findAll(name)) inName[spanOf[match.phrase]] = true;
-  for (const auto& match : matcher.findAll(subtitle)) inSubtitle[spanOf[match.phrase]] = true;
+  words.assign(name);
+  for (const auto& match : matcher.findAll(words)) inName[spanOf[match.phrase]] = true;
+  words.assign(subtitle);
+  for (const auto& match : matcher.findAll(words)) inSubtitle[spanOf[match.phrase]] = true;
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (!inName[i] && !inSubtitle[i]) continue;
     const std::string quoted = fmt::format("'{}'", spans[i].text);

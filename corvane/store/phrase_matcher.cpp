@@ -520,6 +520,18 @@ void PhraseMatcher::grow() {
   }
 }
 
+void PhraseMatcher::clear() noexcept {
+  texts_.clear();
+  keys_.clear();
+  tokens_.clear();
+  phrases_.clear();
+  // The table keeps its size; only its slots are emptied.
+  std::ranges::fill(firstPhrase_, kNone);
+  std::ranges::fill(lastPhrase_, kNone);
+  firstTokens_ = 0;
+  firstTokenBits_ = {};
+}
+
 std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
   // Reused by every call on this thread, so that compiling a list allocates little.
   thread_local TokenizedText split;

@@ -147,6 +147,10 @@ class PhraseMatcher {
   /// nothing. Adding the same phrase twice gives two indices; matches report the first.
   std::optional<std::size_t> add(std::string_view phrase);
 
+  /// Removes every phrase, keeping the memory for the next ones: a matcher cleared and
+  /// filled again matches exactly as a new one would.
+  void clear() noexcept;
+
   /// The number of phrases added.
   std::size_t size() const noexcept { return phrases_.size(); }
 

@@ -289,8 +289,11 @@ std::vector<StoreListing::FieldRef> StoreListing::allFields() const {
 }
 
 TextSource StoreListing::source(std::string_view scope, ListingField field) const {
-  const ListingEntity& found = require(scope, field);
-  return detached(found, field) ? TextSource::own : record(found, field).source;
+  return sourceOf(require(scope, field), field);
+}
+
+TextSource StoreListing::sourceOf(const ListingEntity& entity, ListingField field) const {
+  return detached(entity, field) ? TextSource::own : record(entity, field).source;
 }
 
 std::optional<std::string> StoreListing::defaultText(ListingField field) const {
@@ -781,7 +784,7 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
       status = isRequired(priority) ? ItemStatus::missing() : ItemStatus::optional();
       description = "Not filled in";
     }
-    if (!isSharedEntity && source(entity.scope(), field) == TextSource::defaults && !empty) {
+    if (!isSharedEntity && sourceOf(entity, field) == TextSource::defaults && !empty) {
       description += " (from default/)";
     }
     items.emplace_back(checklistId(entity, field), about.label, std::move(description), std::move(status), priority,
