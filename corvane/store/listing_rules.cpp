@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <functional>
 #include <utility>
 
 namespace corvane::store {
@@ -137,10 +136,9 @@ std::size_t offsetAfterCharacters(std::string_view text, std::int64_t count) {
 bool longerThan(std::string_view text, std::int64_t limit) {
   if (std::cmp_less_equal(text.size(), limit)) return false;
   text = trimmed(text);
-  if (!firstInvalidUtf8Offset(text)) {
-    const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-    const auto codePoints = std::ranges::count_if(text, std::not_fn(isContinuation));
-    if (codePoints <= limit) return false;
+  // An invalid byte is a character of its own, so code points say nothing then.
+  if (const auto codePoints = validCodePointCount(text); codePoints && std::cmp_less_equal(*codePoints, limit)) {
+    return false;
   }
   return std::cmp_greater(characterCount(text), limit);
 }
@@ -613,7 +611,10 @@ void ListingRules::judgeUrl(ListingField field, std::string_view text, const std
                                 "5 minutes"))));
     }
   }
-  const auto links = findLinks(address);
+  // Reused by every call on this thread, as judging a folder reads many addresses.
+  thread_local TokenizedText split;
+  split.assign(address);
+  const auto& links = split.links();
   if (!links.empty() && facts_.isPlaceholderHost(links.front().host)) {
     if (const auto level = levelOf("address.placeholder")) {
       out.push_back(

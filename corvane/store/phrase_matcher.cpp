@@ -323,9 +323,12 @@ void TokenizedText::assign(std::string_view text) {
   split(text, true);
 }
 
-void TokenizedText::markLink(std::size_t runStart, std::size_t runEnd, std::size_t runFirstToken) {
+void TokenizedText::markLink(std::size_t runStart, std::size_t runEnd) {
   const auto range = linkRange(text_.substr(runStart, runEnd - runStart));
   if (!range) return;
+  // The run's tokens are the last ones: those that start inside it.
+  auto runFirstToken = tokens_.size();
+  while (runFirstToken > 0 && tokens_[runFirstToken - 1].offset >= runStart) --runFirstToken;
   const auto linkBegin = runStart + range->first;
   const auto linkEnd = runStart + range->second;
   links_.push_back({linkBegin, linkEnd - linkBegin, linkHost(text_.substr(linkBegin, linkEnd - linkBegin))});
@@ -356,22 +359,20 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
   CharClass previous = CharClass::space;  // the last character's class, marks resolved
   bool spaceBefore = false;
 
-  // The current run of characters without white space: where it starts, its first token,
-  // and whether it may be a link (it holds ':' or '@', or a word starts with 'w' as "www."
+  // The current run of characters without white space: where it starts, and whether it
+  // may be a link (it holds ':' or '@', or a word starts with 'w' as "www."
   // does), so that most runs skip linkRange.
   bool inRun = false;
   std::size_t runStart = 0;
-  std::size_t runFirstToken = 0;
   bool mayBeLink = false;
   const auto endRun = [&](std::size_t runEnd) __attribute__((always_inline)) {
-    if (inRun && findLinks && mayBeLink) markLink(runStart, runEnd, runFirstToken);
+    if (inRun && findLinks && mayBeLink) markLink(runStart, runEnd);
     inRun = false;
   };
   const auto startRun = [&](std::size_t offset) __attribute__((always_inline)) {
     if (inRun) return;
     inRun = true;
     runStart = offset;
-    runFirstToken = list.size();
     mayBeLink = false;
   };
 
@@ -568,18 +569,18 @@ std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
   return index;
 }
 
-// Whether `phrase` matches the text's tokens from `first` on.
+// Whether `phrase` matches the text's tokens from `first` on, given that its first token
+// does (the caller found the phrase by that token, outside any link).
 bool PhraseMatcher::matchesAt(const Phrase& phrase, const TokenizedText& text, std::size_t first) const noexcept {
   const auto& list = text.tokens_;
   if (phrase.tokenEnd - phrase.tokenBegin > list.size() - first) return false;
-  std::size_t keyBegin = phrase.keyBegin;
-  for (std::size_t i = phrase.tokenBegin; i < phrase.tokenEnd; ++i) {
+  std::size_t keyBegin = tokens_[phrase.tokenBegin].keyEnd;
+  for (std::size_t i = phrase.tokenBegin + 1; i < phrase.tokenEnd; ++i) {
     const auto& wanted = tokens_[i];
     const auto& token = list[first + (i - phrase.tokenBegin)];
-    const auto wantedKey = std::string_view(keys_).substr(keyBegin, wanted.keyEnd - keyBegin);
+    const std::string_view wantedKey(keys_.data() + keyBegin, wanted.keyEnd - keyBegin);
     keyBegin = wanted.keyEnd;
-    if (token.inLink || (i > phrase.tokenBegin && token.spaceBefore != wanted.spaceBefore) ||
-        text.key(token) != wantedKey) {
+    if (token.inLink || token.spaceBefore != wanted.spaceBefore || text.key(token) != wantedKey) {
       return false;
     }
   }

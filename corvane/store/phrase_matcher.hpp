@@ -94,9 +94,9 @@ class TokenizedText {
   };
 
   void split(std::string_view text, bool findLinks);
-  // Records the link in the bytes [runStart, runEnd) of the text, if they hold one, and
-  // marks its tokens from `runFirstToken` on.
-  void markLink(std::size_t runStart, std::size_t runEnd, std::size_t runFirstToken);
+  // Records the link in the bytes [runStart, runEnd) of the text, the run of characters
+  // without white space just split, if they hold one, and marks its tokens.
+  void markLink(std::size_t runStart, std::size_t runEnd);
   // Moves the key of `token` into keys_, so that more can be appended to it.
   void ownKey(Token& token);
   // Whether `token`'s key is still the text it covers, up to `offset`, so that what is
@@ -105,7 +105,9 @@ class TokenizedText {
     return token.keyInText && token.keyEnd == offset;
   }
   std::string_view key(const Token& token) const noexcept {
-    return (token.keyInText ? text_ : std::string_view(keys_)).substr(token.keyBegin, token.keyEnd - token.keyBegin);
+    // Offsets are in range by construction: no bounds check for a look-up made per token.
+    const char* base = token.keyInText ? text_.data() : keys_.data();
+    return {base + token.keyBegin, std::size_t{token.keyEnd} - token.keyBegin};
   }
 
   std::string_view text_;
