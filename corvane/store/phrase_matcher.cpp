@@ -496,7 +496,7 @@ std::string_view PhraseMatcher::phrase(std::size_t index) const {
 }
 
 std::string_view PhraseMatcher::firstKey(const Phrase& phrase) const noexcept {
-  return std::string_view(keys_).substr(phrase.keyBegin, tokens_[phrase.tokenBegin].keyEnd - phrase.keyBegin);
+  return {keys_.data() + phrase.keyBegin, tokens_[phrase.tokenBegin].keyEnd - phrase.keyBegin};
 }
 
 std::size_t PhraseMatcher::slotOf(std::string_view key, std::size_t hash) const noexcept {

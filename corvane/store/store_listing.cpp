@@ -293,7 +293,11 @@ TextSource StoreListing::source(std::string_view scope, ListingField field) cons
 }
 
 TextSource StoreListing::sourceOf(const ListingEntity& entity, ListingField field) const {
-  return detached(entity, field) ? TextSource::own : record(entity, field).source;
+  // detached() inlined, so that the record is looked up once: a report asks for every field.
+  const auto& text = record(entity, field);
+  const bool isDetached =
+      &entity != shared_.get() && text.source == TextSource::defaults && entity.file(field) != text.file;
+  return isDetached ? TextSource::own : text.source;
 }
 
 std::optional<std::string> StoreListing::defaultText(ListingField field) const {
