@@ -162,11 +162,14 @@ std::optional<std::string> newestChangelog(const fs::path& folder) {
   return "changelogs/" + newest->second;
 }
 
-// Reads a locale folder; `isLink` says whether it is reached through a (checked) link.
-LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path& folder,
-                        std::span<const ListingField> fields, bool isLink) {
+// Reads a locale folder into `locale`; `isLink` says whether it is reached through a
+// (checked) link. Filled in place: a LocaleFolder holds a text for every field of every
+// store, and moving one costs as much as filling it.
+void readLocale(Reader& reader, const std::string& name, const fs::path& folder, std::span<const ListingField> fields,
+                bool isLink, LocaleFolder& locale) {
   const FileHandle directory = reader.openFolder(folder);
-  LocaleFolder locale{.locale = name, .folder = folder, .texts = {}};
+  locale.locale = name;
+  locale.folder = folder;
   for (const auto field : fields) {
     std::string relative(fieldFile(field));
     if (field == ListingField::changelog) {
@@ -177,7 +180,6 @@ LocaleFolder readLocale(Reader& reader, const std::string& name, const fs::path&
     const bool inLinkedFolder = relative.starts_with("changelogs/") && reader.checkLink(folder / "changelogs");
     locale.text(field) = reader.read(directory, folder, relative, name + "/" + relative, isLink || inLinkedFolder);
   }
-  return locale;
 }
 
 bool holdsListingFile(const fs::path& folder, std::span<const ListingField> fields) {
@@ -250,11 +252,13 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
 
   std::optional<LocaleFolder> defaults;
   if (facts.hasDefaultFolder() && fs::is_directory(root / "default", error)) {
-    defaults =
-        readLocale(reader, "default", root / "default", facts.localeFields(), reader.checkLink(root / "default"));
+    readLocale(reader, "default", root / "default", facts.localeFields(), reader.checkLink(root / "default"),
+               defaults.emplace());
   }
+  listing.locales.reserve(localeNames.size());
   for (const auto& [name, isLink] : localeNames) {
-    LocaleFolder locale = readLocale(reader, name, root / name, facts.localeFields(), isLink);
+    LocaleFolder& locale = listing.locales.emplace_back();
+    readLocale(reader, name, root / name, facts.localeFields(), isLink, locale);
     const bool anyFile = std::ranges::any_of(locale.texts, [](const ListingText& t) { return t.text.has_value(); });
     if (!anyFile && !defaults) {
       throw InputError(locale.folder.string() + ": locale folder holds none of the metadata files");
@@ -268,7 +272,6 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
         text.source = TextSource::defaults;
       }
     }
-    listing.locales.push_back(std::move(locale));
   }
   listing.defaults = std::move(defaults);
 

@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <functional>
 #include <utility>
 
 namespace corvane::store {
@@ -137,10 +136,9 @@ std::size_t offsetAfterCharacters(std::string_view text, std::int64_t count) {
 bool longerThan(std::string_view text, std::int64_t limit) {
   if (std::cmp_less_equal(text.size(), limit)) return false;
   text = trimmed(text);
-  if (!firstInvalidUtf8Offset(text)) {
-    const auto isContinuation = [](char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; };
-    const auto codePoints = std::ranges::count_if(text, std::not_fn(isContinuation));
-    if (codePoints <= limit) return false;
+  // An invalid byte is a character of its own, so code points say nothing then.
+  if (const auto codePoints = validCodePointCount(text); codePoints && std::cmp_less_equal(*codePoints, limit)) {
+    return false;
   }
   return std::cmp_greater(characterCount(text), limit);
 }
@@ -552,14 +550,19 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
   const auto level = levelOf("keywords.repeats-name");
   if (!level) return out;
   const auto spans = splitKeywords(keywords);
-  PhraseMatcher matcher;
+  // Reused by every call on this thread: a report lists every locale's findings.
+  thread_local PhraseMatcher matcher;
+  thread_local TokenizedText words;
+  matcher.clear();
   std::vector<std::size_t> spanOf;  // phrase index -> keyword
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (matcher.add(spans[i].text)) spanOf.push_back(i);
   }
   std::vector<bool> inName(spans.size()), inSubtitle(spans.size());
-  for (const auto& match : matcher.findAll(name)) inName[spanOf[match.phrase]] = true;
-  for (const auto& match : matcher.findAll(subtitle)) inSubtitle[spanOf[match.phrase]] = true;
+  words.assign(name);
+  for (const auto& match : matcher.findAll(words)) inName[spanOf[match.phrase]] = true;
+  words.assign(subtitle);
+  for (const auto& match : matcher.findAll(words)) inSubtitle[spanOf[match.phrase]] = true;
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (!inName[i] && !inSubtitle[i]) continue;
     const std::string quoted = fmt::format("'{}'", spans[i].text);
@@ -608,7 +611,10 @@ void ListingRules::judgeUrl(ListingField field, std::string_view text, const std
                                 "5 minutes"))));
     }
   }
-  const auto links = findLinks(address);
+  // Reused by every call on this thread, as judging a folder reads many addresses.
+  thread_local TokenizedText split;
+  split.assign(address);
+  const auto& links = split.links();
   if (!links.empty() && facts_.isPlaceholderHost(links.front().host)) {
     if (const auto level = levelOf("address.placeholder")) {
       out.push_back(

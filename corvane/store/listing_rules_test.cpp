@@ -12,8 +12,10 @@
 namespace corvane::store {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 const StoreFacts& facts() {
   static const StoreFacts loaded = StoreFacts::load(CORVANE_STORE_RESOURCES);
@@ -211,6 +213,23 @@ TEST(ListingRulesTest, ContentMatchesReportLineAndColumnInCharacters) {
   const auto first = rulesFor("en-US").judge(ListingField::description, "\U0001F600 Android", "d");
   ASSERT_EQ(first.size(), 1u);
   EXPECT_EQ(first[0].position, (TextPosition{1, 3})) << "an emoji is one character";
+}
+
+TEST(ListingRulesTest, KeywordRepeatsOfOneListNeverReachTheNext) {
+  // The matcher behind the rule is reused from call to call: each list is its own.
+  const auto rules = rulesFor("en-US");
+  const auto messages = [&](std::string_view keywords, std::string_view name, std::string_view subtitle) {
+    std::vector<std::string> result;
+    for (const auto& finding : rules.judgeKeywordRepeats(keywords, name, subtitle, "k")) {
+      result.push_back(finding.verdict.message);
+    }
+    return result;
+  };
+  EXPECT_THAT(messages("notes,lists,drafts", "Notes and Lists", ""),
+              ElementsAre("Keyword 'notes' is already in the app name", "Keyword 'lists' is already in the app name"));
+  EXPECT_THAT(messages("drafts", "Notes and Lists", "Drafts"),
+              ElementsAre("Keyword 'drafts' is already in the subtitle"));
+  EXPECT_THAT(messages("ideas", "Notes and Lists", ""), IsEmpty());
 }
 
 TEST(ListingRulesTest, CrossFieldRules) {

@@ -8,6 +8,10 @@
 #include <stdexcept>
 #include <utility>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include "corvane/text/characters.hpp"
 
 namespace corvane::store {
@@ -115,6 +119,51 @@ std::size_t decode(const Byte* p, const Byte* end, std::int32_t& codePoint) noex
 
 char lowerAscii(Byte c) noexcept {
   return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+}
+
+// Appends the `length` ASCII bytes at `p` in lower case.
+void appendLoweredAscii(std::string& keys, const Byte* p, std::size_t length) {
+  const auto from = keys.size();
+  keys.append(reinterpret_cast<const char*>(p), length);
+  for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
+}
+
+struct AsciiWord {
+  const Byte* end;  // the first byte after it
+  bool upperCase;   // whether it holds an upper-case letter, so that its key needs lowering
+};
+
+// The run of ASCII word bytes (see kWordBytes) that starts at `p`, which is one. Words are
+// most of a text, so on x86-64 sixteen bytes are classified at once.
+AsciiWord asciiWordEnd(const Byte* p, const Byte* end) noexcept {
+  const Byte* q = p + 1;
+  std::uint8_t seen = kWordBytes[*p];
+#if defined(__SSE2__)
+  // Where a byte is in [low, low + span]: unsigned, so bytes from 0x80 on are never in range.
+  const auto inRange = [](__m128i bytes, char low, char span) {
+    const __m128i shifted = _mm_sub_epi8(bytes, _mm_set1_epi8(low));
+    return _mm_cmpeq_epi8(_mm_min_epu8(shifted, _mm_set1_epi8(span)), shifted);
+  };
+  while (end - q >= 16) {
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
+    const __m128i letters = inRange(_mm_or_si128(bytes, _mm_set1_epi8(0x20)), 'a', 'z' - 'a');
+    const __m128i digits = inRange(bytes, '0', '9' - '0');
+    const __m128i underscores = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_'));
+    const auto word = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), underscores)));
+    const auto upper = static_cast<unsigned>(_mm_movemask_epi8(inRange(bytes, 'A', 'Z' - 'A')));
+    const unsigned other = ~word & 0xFFFFu;
+    if (other == 0) {
+      seen |= upper != 0 ? kUpperWordByte : 0;
+      q += 16;
+      continue;
+    }
+    const auto length = static_cast<unsigned>(__builtin_ctz(other));
+    seen |= (upper & ((1u << length) - 1)) != 0 ? kUpperWordByte : 0;
+    return {q + length, (seen & kUpperWordByte) != 0};
+  }
+#endif
+  for (std::uint8_t kind = 0; q != end && (kind = kWordBytes[*q]) != 0; ++q) seen |= kind;
+  return {q, (seen & kUpperWordByte) != 0};
 }
 
 // Whether the character `bytes` (decoded as `codePoint`, whose properties are `property`
@@ -274,8 +323,25 @@ void TokenizedText::assign(std::string_view text) {
   split(text, true);
 }
 
+void TokenizedText::markLink(std::size_t runStart, std::size_t runEnd) {
+  const auto range = linkRange(text_.substr(runStart, runEnd - runStart));
+  if (!range) return;
+  // The run's tokens are the last ones: those that start inside it.
+  auto runFirstToken = tokens_.size();
+  while (runFirstToken > 0 && tokens_[runFirstToken - 1].offset >= runStart) --runFirstToken;
+  const auto linkBegin = runStart + range->first;
+  const auto linkEnd = runStart + range->second;
+  links_.push_back({linkBegin, linkEnd - linkBegin, linkHost(text_.substr(linkBegin, linkEnd - linkBegin))});
+  for (auto i = runFirstToken; i < tokens_.size(); ++i) {
+    auto& token = tokens_[i];
+    token.inLink = token.offset < linkEnd && std::size_t{token.offset} + token.length > linkBegin;
+  }
+}
+
 // Splits `text` into tokens (see PhraseMatcher). With `findLinks`, the web and e-mail
 // addresses are found run by run as the tokens are made, and the tokens inside them marked.
+// The state lives in locals that nothing else can reach, so that the compiler keeps it in
+// registers: this loop runs for every word of every text a check reads.
 void TokenizedText::split(std::string_view text, bool findLinks) {
   // Lower-casing makes a key at most half as long again as its text, so offsets into the
   // keys stay within 32 bits too.
@@ -293,71 +359,64 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
   CharClass previous = CharClass::space;  // the last character's class, marks resolved
   bool spaceBefore = false;
 
-  // The current run of characters without white space: where it starts, its first token,
-  // and whether it may be a link (it holds ':' or '@', or a word starts with 'w' as "www."
+  // The current run of characters without white space: where it starts, and whether it
+  // may be a link (it holds ':' or '@', or a word starts with 'w' as "www."
   // does), so that most runs skip linkRange.
   bool inRun = false;
   std::size_t runStart = 0;
-  std::size_t runFirstToken = 0;
   bool mayBeLink = false;
-  const auto markLink = [&](std::size_t runEnd) {
-    const auto run = text.substr(runStart, runEnd - runStart);
-    const auto range = linkRange(run);
-    if (!range) return;
-    const auto linkBegin = runStart + range->first;
-    const auto linkEnd = runStart + range->second;
-    links_.push_back({linkBegin, linkEnd - linkBegin, linkHost(text.substr(linkBegin, linkEnd - linkBegin))});
-    for (auto i = runFirstToken; i < list.size(); ++i) {
-      list[i].inLink = list[i].offset < linkEnd && std::size_t{list[i].offset} + list[i].length > linkBegin;
-    }
-  };
-  // Kept inline: it runs at every white space, and almost always only clears the run.
   const auto endRun = [&](std::size_t runEnd) __attribute__((always_inline)) {
-    if (inRun && findLinks && mayBeLink) markLink(runEnd);
+    if (inRun && findLinks && mayBeLink) markLink(runStart, runEnd);
     inRun = false;
   };
-  const auto startRun = [&](std::size_t offset) {
+  const auto startRun = [&](std::size_t offset) __attribute__((always_inline)) {
     if (inRun) return;
     inRun = true;
     runStart = offset;
-    runFirstToken = list.size();
     mayBeLink = false;
   };
 
   // Offsets within the text and its keys, which fit 32 bits (see above).
   const auto keysSize = [&] { return static_cast<std::uint32_t>(keys.size()); };
-  for (const Byte* p = begin; p != end;) {
+  const Byte* p = begin;
+  while (p != end) {
     const auto offset = static_cast<std::uint32_t>(p - begin);
     // Most text is ASCII: white space and whole words are taken here at once, and only the
     // rest is decoded character by character below.
     if (*p < 0x80 && kAsciiClasses[*p] == CharClass::space) {
       endRun(offset);
+      do {
+        ++p;
+      } while (p != end && *p < 0x80 && kAsciiClasses[*p] == CharClass::space);
       spaceBefore = true;
       previous = CharClass::space;
-      ++p;
       continue;
     }
-    if (std::uint8_t seen = kWordBytes[*p]; seen != 0) {
-      const Byte* wordEnd = p + 1;
-      for (std::uint8_t kind = 0; wordEnd != end && (kind = kWordBytes[*wordEnd]) != 0; ++wordEnd) seen |= kind;
+    if (kWordBytes[*p] != 0) {
+      const auto [wordEnd, upperCase] = asciiWordEnd(p, end);
       startRun(offset);
       const auto length = static_cast<std::uint32_t>(wordEnd - p);
-      const bool lowerCase = (seen & kUpperWordByte) == 0;
-      // ASCII letters after other letters of a word ("café" then "s") continue it.
       if (previous != CharClass::letter) {
         mayBeLink = mayBeLink || *p == 'w' || *p == 'W';
-        list.push_back({offset, 0, offset, offset, spaceBefore, false, true});
-      }
-      auto& token = list.back();
-      token.length += length;
-      if (lowerCase && keyContinuesInText(token, offset)) {
-        token.keyEnd += length;
+        if (!upperCase) {
+          // A new word already in its comparison form, as most are: it is its own key.
+          list.push_back({offset, length, offset, offset + length, spaceBefore, false, true});
+        } else {
+          const auto from = keysSize();
+          appendLoweredAscii(keys, p, length);
+          list.push_back({offset, length, from, keysSize(), spaceBefore, false, false});
+        }
       } else {
-        ownKey(token);
-        const auto from = keys.size();
-        keys.append(reinterpret_cast<const char*>(p), length);
-        for (auto i = from; i < keys.size(); ++i) keys[i] = lowerAscii(static_cast<Byte>(keys[i]));
-        token.keyEnd = keysSize();
+        // ASCII letters after other letters of a word ("café" then "s") continue it.
+        auto& token = list.back();
+        token.length += length;
+        if (!upperCase && keyContinuesInText(token, offset)) {
+          token.keyEnd += length;
+        } else {
+          ownKey(token);
+          appendLoweredAscii(keys, p, length);
+          token.keyEnd = keysSize();
+        }
       }
       spaceBefore = false;
       previous = CharClass::letter;
@@ -437,7 +496,7 @@ std::string_view PhraseMatcher::phrase(std::size_t index) const {
 }
 
 std::string_view PhraseMatcher::firstKey(const Phrase& phrase) const noexcept {
-  return std::string_view(keys_).substr(phrase.keyBegin, tokens_[phrase.tokenBegin].keyEnd - phrase.keyBegin);
+  return {keys_.data() + phrase.keyBegin, tokens_[phrase.tokenBegin].keyEnd - phrase.keyBegin};
 }
 
 std::size_t PhraseMatcher::slotOf(std::string_view key, std::size_t hash) const noexcept {
@@ -460,6 +519,18 @@ void PhraseMatcher::grow() {
     firstPhrase_[to] = first[slot];
     lastPhrase_[to] = last[slot];
   }
+}
+
+void PhraseMatcher::clear() noexcept {
+  texts_.clear();
+  keys_.clear();
+  tokens_.clear();
+  phrases_.clear();
+  // The table keeps its size; only its slots are emptied.
+  std::ranges::fill(firstPhrase_, kNone);
+  std::ranges::fill(lastPhrase_, kNone);
+  firstTokens_ = 0;
+  firstTokenBits_ = {};
 }
 
 std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
@@ -498,18 +569,18 @@ std::optional<std::size_t> PhraseMatcher::add(std::string_view phrase) {
   return index;
 }
 
-// Whether `phrase` matches the text's tokens from `first` on.
+// Whether `phrase` matches the text's tokens from `first` on, given that its first token
+// does (the caller found the phrase by that token, outside any link).
 bool PhraseMatcher::matchesAt(const Phrase& phrase, const TokenizedText& text, std::size_t first) const noexcept {
   const auto& list = text.tokens_;
   if (phrase.tokenEnd - phrase.tokenBegin > list.size() - first) return false;
-  std::size_t keyBegin = phrase.keyBegin;
-  for (std::size_t i = phrase.tokenBegin; i < phrase.tokenEnd; ++i) {
+  std::size_t keyBegin = tokens_[phrase.tokenBegin].keyEnd;
+  for (std::size_t i = phrase.tokenBegin + 1; i < phrase.tokenEnd; ++i) {
     const auto& wanted = tokens_[i];
     const auto& token = list[first + (i - phrase.tokenBegin)];
-    const auto wantedKey = std::string_view(keys_).substr(keyBegin, wanted.keyEnd - keyBegin);
+    const std::string_view wantedKey(keys_.data() + keyBegin, wanted.keyEnd - keyBegin);
     keyBegin = wanted.keyEnd;
-    if (token.inLink || (i > phrase.tokenBegin && token.spaceBefore != wanted.spaceBefore) ||
-        text.key(token) != wantedKey) {
+    if (token.inLink || token.spaceBefore != wanted.spaceBefore || text.key(token) != wantedKey) {
       return false;
     }
   }

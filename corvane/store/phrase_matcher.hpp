@@ -94,6 +94,9 @@ class TokenizedText {
   };
 
   void split(std::string_view text, bool findLinks);
+  // Records the link in the bytes [runStart, runEnd) of the text, the run of characters
+  // without white space just split, if they hold one, and marks its tokens.
+  void markLink(std::size_t runStart, std::size_t runEnd);
   // Moves the key of `token` into keys_, so that more can be appended to it.
   void ownKey(Token& token);
   // Whether `token`'s key is still the text it covers, up to `offset`, so that what is
@@ -102,7 +105,9 @@ class TokenizedText {
     return token.keyInText && token.keyEnd == offset;
   }
   std::string_view key(const Token& token) const noexcept {
-    return (token.keyInText ? text_ : std::string_view(keys_)).substr(token.keyBegin, token.keyEnd - token.keyBegin);
+    // Offsets are in range by construction: no bounds check for a look-up made per token.
+    const char* base = token.keyInText ? text_.data() : keys_.data();
+    return {base + token.keyBegin, std::size_t{token.keyEnd} - token.keyBegin};
   }
 
   std::string_view text_;
@@ -143,6 +148,10 @@ class PhraseMatcher {
   /// added. A phrase without tokens (empty or all white space) is not added and returns
   /// nothing. Adding the same phrase twice gives two indices; matches report the first.
   std::optional<std::size_t> add(std::string_view phrase);
+
+  /// Removes every phrase, keeping the memory for the next ones: a matcher cleared and
+  /// filled again matches exactly as a new one would.
+  void clear() noexcept;
 
   /// The number of phrases added.
   std::size_t size() const noexcept { return phrases_.size(); }

@@ -174,6 +174,22 @@ TEST(PhraseMatcherTest, AddIgnoresBlankPhrasesAndNumbersTheRest) {
   EXPECT_THAT(matcher.findAll(""), IsEmpty());
 }
 
+TEST(PhraseMatcherTest, AClearedMatcherKnowsOnlyThePhrasesAddedSince) {
+  PhraseMatcher matcher;
+  // Enough phrases that the table has grown, and one that a later phrase starts like.
+  for (int i = 0; i < 40; ++i) matcher.add("word" + std::to_string(i));
+  matcher.add("stay tuned");
+  matcher.clear();
+  EXPECT_TRUE(matcher.empty());
+  EXPECT_THAT(matcher.findAll("word1 stay tuned"), IsEmpty());
+
+  EXPECT_THAT(matcher.add("stay"), Optional(0u));
+  EXPECT_THAT(matcher.add("word1"), Optional(1u));
+  EXPECT_EQ(matcher.size(), 2u);
+  EXPECT_THROW(static_cast<void>(matcher.phrase(2)), std::out_of_range);
+  EXPECT_THAT(found(matcher, "word1 stay tuned, word2"), ElementsAre("word1=word1", "stay=stay"));
+}
+
 TEST(PhraseMatcherTest, PositionsCountLinesAndCharacters) {
   struct Case {
     std::string text;

@@ -171,8 +171,9 @@ StoreListing::~StoreListing() = default;
 
 ListingEntity* StoreListing::entity(std::string_view scope) const {
   if (scope == "shared") return shared_.get();
-  const auto found = std::ranges::find(locales_, scope, &ListingEntity::scope);
-  return found == locales_.end() ? nullptr : found->get();
+  // The locales are kept in name order (see addLocale): a report asks for each field.
+  const auto found = std::ranges::lower_bound(locales_, scope, {}, &ListingEntity::scope);
+  return found == locales_.end() || (*found)->scope() != scope ? nullptr : found->get();
 }
 
 ListingEntity& StoreListing::require(std::string_view scope, ListingField field) const {
@@ -187,6 +188,11 @@ ListingEntity& StoreListing::require(std::string_view scope, ListingField field)
 
 ListingText& StoreListing::record(const ListingEntity& entity, ListingField field) {
   if (&entity == shared_.get()) return folder_.sharedText(field);
+  // The folder's locales stand in the same (name) order as the entities, so the entity's
+  // place finds its record without comparing names.
+  const auto at = static_cast<std::size_t>(
+      std::ranges::find(locales_, &entity, &std::shared_ptr<ListingEntity>::get) - locales_.begin());
+  if (at < folder_.locales.size() && folder_.locales[at].locale == entity.scope()) return folder_.locales[at].text(field);
   const auto locale = std::ranges::find(folder_.locales, entity.scope(), &LocaleFolder::locale);
   return locale->text(field);
 }
@@ -283,8 +289,15 @@ std::vector<StoreListing::FieldRef> StoreListing::allFields() const {
 }
 
 TextSource StoreListing::source(std::string_view scope, ListingField field) const {
-  const ListingEntity& found = require(scope, field);
-  return detached(found, field) ? TextSource::own : record(found, field).source;
+  return sourceOf(require(scope, field), field);
+}
+
+TextSource StoreListing::sourceOf(const ListingEntity& entity, ListingField field) const {
+  // detached() inlined, so that the record is looked up once: a report asks for every field.
+  const auto& text = record(entity, field);
+  const bool isDetached =
+      &entity != shared_.get() && text.source == TextSource::defaults && entity.file(field) != text.file;
+  return isDetached ? TextSource::own : text.source;
 }
 
 std::optional<std::string> StoreListing::defaultText(ListingField field) const {
@@ -775,7 +788,7 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
       status = isRequired(priority) ? ItemStatus::missing() : ItemStatus::optional();
       description = "Not filled in";
     }
-    if (!isSharedEntity && source(entity.scope(), field) == TextSource::defaults && !empty) {
+    if (!isSharedEntity && sourceOf(entity, field) == TextSource::defaults && !empty) {
       description += " (from default/)";
     }
     items.emplace_back(checklistId(entity, field), about.label, std::move(description), std::move(status), priority,

@@ -217,6 +217,8 @@ class StoreListing {
   // The field's file as last read or written (`default/`'s for a locale reading it).
   ListingText& record(const ListingEntity& entity, ListingField field);
   const ListingText& record(const ListingEntity& entity, ListingField field) const;
+  // `source` for a field `entity` holds.
+  TextSource sourceOf(const ListingEntity& entity, ListingField field) const;
   // Whether the locale's field reads default/ on disk but is edited for its own file.
   bool detached(const ListingEntity& entity, ListingField field) const;
   // The file (relative) and path a write of the field goes to; `strict` throws

@@ -80,6 +80,25 @@ TEST(StoreListingTest, DefaultFolderStandsInAndTheReportSaysSo) {
   EXPECT_FALSE(fs::exists(root / "de-DE" / "name.txt"));
 }
 
+TEST(StoreListingTest, EachLocaleHasOnlyItsOwnFiles) {
+  // Locales are read one after another into the same list: a locale with fewer files must
+  // not see the texts of the one read before it.
+  TemporaryFolder temporary;
+  const auto root = temporary.path();
+  for (const auto field : kLocaleFields) writeFile(root / "de-DE" / fieldFile(field), "Deutsch\n");
+  writeFile(root / "en-US" / "name.txt", "Notes\n");
+  const auto folder = readListingFolder(root, facts());
+  ASSERT_EQ(folder.locales.size(), 2u);
+  for (const auto field : kLocaleFields) {
+    EXPECT_EQ(folder.locales[0].text(field).value(), "Deutsch") << fieldKey(field);
+    if (field == ListingField::name) continue;
+    EXPECT_EQ(folder.locales[1].text(field).text, std::nullopt) << fieldKey(field);
+    EXPECT_EQ(folder.locales[1].text(field).source, TextSource::none) << fieldKey(field);
+    EXPECT_EQ(folder.locales[1].text(field).file, "en-US/" + std::string(fieldFile(field))) << fieldKey(field);
+  }
+  EXPECT_EQ(folder.locales[1].text(ListingField::name).value(), "Notes");
+}
+
 TEST(StoreListingTest, UnknownLocaleFoldersAreBlockersWithASuggestion) {
   TemporaryFolder temporary;
   const auto root = temporary.path();

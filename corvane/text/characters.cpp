@@ -184,12 +184,25 @@ std::string lowercased(std::string_view text) {
   return result;
 }
 
-std::optional<std::size_t> firstInvalidUtf8Offset(std::string_view text) noexcept {
+namespace {
+
+struct Utf8Scan {
+  std::optional<std::size_t> invalidAt;  // the first byte that is not well-formed UTF-8
+  std::size_t codePoints;                // those before it
+};
+
+// Walks `text` as far as it is well-formed UTF-8, counting its code points when `Count`.
+template <bool Count>
+Utf8Scan scanUtf8(std::string_view text) noexcept {
   const Byte* const begin = bytes(text);
   const Byte* const end = begin + text.size();
   const auto within = [](Byte byte, Byte low, Byte high) { return byte >= low && byte <= high; };
+  std::size_t codePoints = 0;
+  const auto invalid = [&](const Byte* at) { return Utf8Scan{static_cast<std::size_t>(at - begin), codePoints}; };
   for (const Byte* p = begin; p != end;) {
-    // ASCII is valid as it stands; it is skipped eight bytes at a time where it can be.
+    // ASCII is valid as it stands and one code point a byte; it is skipped eight bytes at a
+    // time where it can be.
+    const Byte* const run = p;
     while (end - p >= 8) {
       std::uint64_t block = 0;
       std::memcpy(&block, p, 8);
@@ -197,6 +210,7 @@ std::optional<std::size_t> firstInvalidUtf8Offset(std::string_view text) noexcep
       p += 8;
     }
     while (p != end && *p < 0x80) ++p;
+    if constexpr (Count) codePoints += static_cast<std::size_t>(p - run);
     if (p == end) break;
     // The well-formed sequences of the Unicode standard: no overlong forms, no surrogates,
     // nothing above U+10FFFF. The second byte's range depends on the first.
@@ -216,15 +230,28 @@ std::optional<std::size_t> firstInvalidUtf8Offset(std::string_view text) noexcep
       if (lead == 0xF0) low = 0x90;
       if (lead == 0xF4) high = 0x8F;
     } else {
-      return static_cast<std::size_t>(p - begin);
+      return invalid(p);
     }
-    if (available < length || !within(p[1], low, high)) return static_cast<std::size_t>(p - begin);
+    if (available < length || !within(p[1], low, high)) return invalid(p);
     for (std::ptrdiff_t i = 2; i < length; ++i) {
-      if (!within(p[i], 0x80, 0xBF)) return static_cast<std::size_t>(p - begin);
+      if (!within(p[i], 0x80, 0xBF)) return invalid(p);
     }
     p += length;
+    if constexpr (Count) ++codePoints;
   }
-  return std::nullopt;
+  return {std::nullopt, codePoints};
+}
+
+}  // namespace
+
+std::optional<std::size_t> firstInvalidUtf8Offset(std::string_view text) noexcept {
+  return scanUtf8<false>(text).invalidAt;
+}
+
+std::optional<std::size_t> validCodePointCount(std::string_view text) noexcept {
+  const auto scan = scanUtf8<true>(text);
+  if (scan.invalidAt) return std::nullopt;
+  return scan.codePoints;
 }
 
 }  // namespace corvane

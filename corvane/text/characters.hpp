@@ -40,4 +40,9 @@ std::string lowercased(std::string_view text);
 /// truncated sequences are all malformed.
 std::optional<std::size_t> firstInvalidUtf8Offset(std::string_view text) noexcept;
 
+/// The number of code points in `text` when all of it is well-formed UTF-8 (as
+/// `firstInvalidUtf8Offset` judges it), or nothing when it is not: one pass that checks and
+/// counts, for a rule that needs both. Characters never outnumber code points.
+std::optional<std::size_t> validCodePointCount(std::string_view text) noexcept;
+
 }  // namespace corvane

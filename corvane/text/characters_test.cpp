@@ -326,6 +326,44 @@ TEST(FirstInvalidUtf8Offset, FindsTheFirstMalformedByte) {
   EXPECT_EQ(firstInvalidUtf8Offset(ascii + "\u00E9" + ascii + "\U0001F600"), std::nullopt);
 }
 
+TEST(ValidCodePointCount, CountsWellFormedTextAndRefusesEveryMalformedSequence) {
+  struct Case {
+    std::string name;
+    std::string text;
+    std::optional<std::size_t> expected;
+  };
+  const std::string ascii(40, 'a');  // long enough that runs are counted in blocks
+  const std::vector<Case> cases = {
+      {"empty", "", 0u},
+      {"ASCII", "hello", 5u},
+      {"two-byte", "h\u00E9llo", 5u},
+      {"three-byte", "\u20AC\uFFFF", 2u},
+      {"four-byte", "\U0001F600\U0010FFFF", 2u},
+      {"a family is seven code points", kFamily, 7u},
+      {"blocks around a character", ascii + "\u00E9" + ascii + "\U0001F600" + ascii.substr(0, 7), 89u},
+      {"overlong two-byte", "a\xC0\xAF", std::nullopt},
+      {"overlong two-byte lead C1", "\xC1\xBF", std::nullopt},
+      {"overlong three-byte", "\xE0\x80\xAF", std::nullopt},
+      {"overlong four-byte", "\xF0\x8F\xBF\xBF", std::nullopt},
+      {"high surrogate", "xy\xED\xA0\x80", std::nullopt},
+      {"low surrogate", "\xED\xBF\xBF", std::nullopt},
+      {"truncated two-byte", "ab\xC3", std::nullopt},
+      {"truncated three-byte", "ab\xE2\x82", std::nullopt},
+      {"truncated four-byte before ASCII", "\xF0\x9F\x98" "A", std::nullopt},
+      {"truncated after a long ASCII run", ascii + "\xE2\x82", std::nullopt},
+      {"stray continuation", "abc\x80", std::nullopt},
+      {"stray continuation after a character", "\u00E9\xA9", std::nullopt},
+      {"above U+10FFFF", "\xF4\x90\x80\x80", std::nullopt},
+      {"lead byte F5", "\xF5\x80\x80\x80", std::nullopt},
+      {"byte FF", ascii + "\xFF", std::nullopt},
+  };
+  for (const auto& c : cases) {
+    EXPECT_EQ(validCodePointCount(c.text), c.expected) << c.name;
+    // It refuses exactly what the offset search finds.
+    EXPECT_EQ(validCodePointCount(c.text).has_value(), !firstInvalidUtf8Offset(c.text).has_value()) << c.name;
+  }
+}
+
 // Whether utf8proc's decoder reads `sequence` as exactly one well-formed character.
 bool utf8procAccepts(const std::string& sequence) {
   std::int32_t codePoint = 0;
@@ -334,7 +372,7 @@ bool utf8procAccepts(const std::string& sequence) {
   return length == static_cast<utf8proc_ssize_t>(sequence.size());
 }
 
-TEST(FirstInvalidUtf8Offset, AgreesWithTheDecoderOnEveryShortSequence) {
+TEST(Utf8Checks, AgreeWithTheDecoderOnEveryShortSequence) {
   // Every lead byte with every second and third byte, and four-byte sequences with the
   // bytes at the edges of each range; behind an 'a' so that the fault offset is 1.
   const std::vector<int> edges = {0x00, 0x7F, 0x80, 0x8F, 0x90, 0x9F, 0xA0, 0xBF, 0xC0, 0xFF};
@@ -342,7 +380,10 @@ TEST(FirstInvalidUtf8Offset, AgreesWithTheDecoderOnEveryShortSequence) {
   std::string sequence;
   const auto compare = [&] {
     const bool valid = !firstInvalidUtf8Offset("a" + sequence).has_value();
-    if (valid != utf8procAccepts(sequence) && ++disagreements <= 5) {
+    // A well-formed sequence is one code point after the 'a'.
+    const auto counted = validCodePointCount("a" + sequence);
+    const bool countAgrees = counted == (valid ? std::optional<std::size_t>(2) : std::nullopt);
+    if ((valid != utf8procAccepts(sequence) || !countAgrees) && ++disagreements <= 5) {
       ADD_FAILURE() << "disagree on " << ::testing::PrintToString(sequence);
     }
   };
