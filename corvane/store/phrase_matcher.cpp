@@ -8,10 +8,6 @@
 #include <stdexcept>
 #include <utility>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 #include "corvane/text/characters.hpp"
 
 namespace corvane::store {
@@ -133,35 +129,10 @@ struct AsciiWord {
   bool upperCase;   // whether it holds an upper-case letter, so that its key needs lowering
 };
 
-// The run of ASCII word bytes (see kWordBytes) that starts at `p`, which is one. Words are
-// most of a text, so on x86-64 sixteen bytes are classified at once.
+// The run of ASCII word bytes (see kWordBytes) that starts at `p`, which is one.
 AsciiWord asciiWordEnd(const Byte* p, const Byte* end) noexcept {
   const Byte* q = p + 1;
   std::uint8_t seen = kWordBytes[*p];
-#if defined(__SSE2__)
-  // Where a byte is in [low, low + span]: unsigned, so bytes from 0x80 on are never in range.
-  const auto inRange = [](__m128i bytes, char low, char span) {
-    const __m128i shifted = _mm_sub_epi8(bytes, _mm_set1_epi8(low));
-    return _mm_cmpeq_epi8(_mm_min_epu8(shifted, _mm_set1_epi8(span)), shifted);
-  };
-  while (end - q >= 16) {
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(q));
-    const __m128i letters = inRange(_mm_or_si128(bytes, _mm_set1_epi8(0x20)), 'a', 'z' - 'a');
-    const __m128i digits = inRange(bytes, '0', '9' - '0');
-    const __m128i underscores = _mm_cmpeq_epi8(bytes, _mm_set1_epi8('_'));
-    const auto word = static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(letters, digits), underscores)));
-    const auto upper = static_cast<unsigned>(_mm_movemask_epi8(inRange(bytes, 'A', 'Z' - 'A')));
-    const unsigned other = ~word & 0xFFFFu;
-    if (other == 0) {
-      seen |= upper != 0 ? kUpperWordByte : 0;
-      q += 16;
-      continue;
-    }
-    const auto length = static_cast<unsigned>(__builtin_ctz(other));
-    seen |= (upper & ((1u << length) - 1)) != 0 ? kUpperWordByte : 0;
-    return {q + length, (seen & kUpperWordByte) != 0};
-  }
-#endif
   for (std::uint8_t kind = 0; q != end && (kind = kWordBytes[*q]) != 0; ++q) seen |= kind;
   return {q, (seen & kUpperWordByte) != 0};
 }
