@@ -119,6 +119,23 @@ ValidationCache::ValidationCache(Passkey, Configuration configuration, Clocks cl
 
 ValidationCache::~ValidationCache() = default;
 
+// Kept inline in the two entry points: a hit is short enough for a call to show.
+__attribute__((always_inline)) inline ValidationResult ValidationCache::lookup(
+    std::string_view key, const std::string_view* dependencyHash, const std::function<ValidationResult()>& compute,
+    bool evict) {
+  if (computingOnThisThread(key)) return lookupExclusively(key, dependencyHash, compute, evict, nullptr);
+  // A hit is served under the shared lock, the verdict copied straight into the result.
+  Probe probe;
+  {
+    std::shared_lock lock(mutex_);
+    probe = {cache_.find(key), mutations_};
+    if (probe.found != cache_.end() && servable(probe.found->second, dependencyHash)) {
+      return recordHit(probe.found->second);
+    }
+  }
+  return lookupExclusively(key, dependencyHash, compute, evict, &probe);
+}
+
 ValidationResult ValidationCache::getOrCompute(std::string_view key, std::string_view dependencyHash,
                                                const std::function<ValidationResult()>& compute) {
   return lookup(key, &dependencyHash, compute, true);
@@ -129,38 +146,39 @@ ValidationResult ValidationCache::validateByAge(std::string_view key,
   return lookup(key, nullptr, compute, false);
 }
 
-inline ValidationResult ValidationCache::lookup(std::string_view key, const std::string_view* dependencyHash,
-                                                const std::function<ValidationResult()>& compute, bool evict) {
-  const bool nested = computingOnThisThread(key);
-  // A hit is served under the shared lock, the verdict copied straight into the result.
-  if (!nested) {
-    std::shared_lock lock(mutex_);
-    if (Node* node = servable(key, dependencyHash)) return recordHit(*node);
-  }
-  return lookupExclusively(key, dependencyHash, compute, evict, nested);
-}
-
-// A nested lookup runs under the exclusive lock that its computation's lookup holds.
+// A nested lookup (without a probe) runs under the exclusive lock that its computation's
+// lookup holds.
 ValidationResult ValidationCache::lookupExclusively(std::string_view key, const std::string_view* dependencyHash,
                                                     const std::function<ValidationResult()>& compute, bool evict,
-                                                    bool nested) {
+                                                    const Probe* probe) {
   std::unique_lock<std::shared_mutex> lock;
-  if (!nested) lock = std::unique_lock(mutex_);
-  // Another thread may have stored the entry since the shared lock was let go.
-  if (Node* node = servable(key, dependencyHash)) return recordHit(*node);
+  if (probe) lock = std::unique_lock(mutex_);
+  // Unless the entries changed since the shared lock was let go, what it found still holds
+  // (and was not servable: time only moves on).
+  auto found = probe ? probe->found : cache_.end();
+  if (!probe || probe->mutations != mutations_) {
+    found = cache_.find(key);
+    if (found != cache_.end() && servable(found->second, dependencyHash)) return recordHit(found->second);
+  }
 
   const auto steady = steadyNow();
   const auto wall = wallNow();
+  const auto mutationsBefore = mutations_;
   ValidationResult result = computeCounted(key, compute);
   // The computation may have used the cache itself and replaced or removed this entry.
+  if (mutations_ != mutationsBefore) found = cache_.find(key);
+  ++mutations_;
   const auto sequence = nextStoreSequence();
-  if (auto found = cache_.find(key); found != cache_.end()) {
+  if (found != cache_.end()) {
     // Its slot keeps the smaller sequence, which eviction tells apart from the entry's own.
+    // Copied first, so that running out of memory leaves the entry as it was.
+    ValidationResult stored = result;
+    std::string hash(dependencyHash ? *dependencyHash : std::string_view());
     Node& node = found->second;
-    node.result = result;
+    node.result = std::move(stored);
+    node.dependencyHash = std::move(hash);
     node.timestamp = wall;
     node.storedAt = steady;
-    node.dependencyHash.assign(dependencyHash ? *dependencyHash : std::string_view());
     node.accessCount = 1;
     node.lastAccess.store(static_cast<std::uint64_t>(sequence), std::memory_order_relaxed);
   } else {
@@ -205,12 +223,8 @@ ValidationResult ValidationCache::computeCounted(std::string_view key,
   }
 }
 
-inline ValidationCache::Node* ValidationCache::servable(std::string_view key, const std::string_view* dependencyHash) {
-  auto found = cache_.find(key);
-  if (found == cache_.end()) return nullptr;
-  Node& node = found->second;
-  if (!isFresh(node, steadyNow()) || (dependencyHash && node.dependencyHash != *dependencyHash)) return nullptr;
-  return &node;
+inline bool ValidationCache::servable(const Node& node, const std::string_view* dependencyHash) const {
+  return isFresh(node, steadyNow()) && (!dependencyHash || node.dependencyHash == *dependencyHash);
 }
 
 // Runs under the shared lock, beside other hits: the hit's ticket counts it and, with the
@@ -354,6 +368,7 @@ void ValidationCache::removeSlot(std::size_t index) {
 }
 
 void ValidationCache::erase(Map::iterator position) {
+  ++mutations_;
   removeSlot(position->second.recencyIndex);
   cache_.erase(position);
 }
@@ -399,6 +414,7 @@ void ValidationCache::invalidatePrefix(std::string_view prefix) {
 void ValidationCache::clear() {
   {
     auto lock = lockExclusive();
+    ++mutations_;
     cache_.clear();
     recency_.clear();
     entryCount_.store(0);
@@ -475,9 +491,11 @@ void ValidationCache::announceCounters(unsigned counters) {
   });
 }
 
-// At most one publication is queued at a time; it publishes the size when it runs. It
-// lets go of the queue before reading the size, so a change after the read queues another.
+// At most one publication is queued at a time, and only while the published figure is not
+// the cache's size; it publishes the size it finds when it runs. A change that saw the old
+// figure, and so queued nothing, is caught by the publication's own check at its end.
 void ValidationCache::publishSize() {
+  if (entryCount_.load() == cacheSize_.load()) return;
   if (sizePublicationQueued_.exchange(true)) return;
   postToMain([weak = weak_from_this()] {
     auto self = weak.lock();
@@ -487,6 +505,7 @@ void ValidationCache::publishSize() {
     const auto memory = checkedMultiply(count, kBytesPerEntry);
     self->observationRegistrar().withMutation("cacheSize", [&] { self->cacheSize_.store(count); });
     self->observationRegistrar().withMutation("memoryUsage", [&] { self->memoryUsage_.store(memory); });
+    self->publishSize();
   });
 }
 

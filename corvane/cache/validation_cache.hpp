@@ -29,9 +29,9 @@ namespace corvane {
 /// exclusively. `compute` may call back into the same cache on the same thread (the call is
 /// served under the lock already held), but not for the key being computed, which is a
 /// fatal precondition failure, and it must not wait for another thread that uses this
-/// cache. The published size and memory figures are updated later on the main executor, by
-/// at most one pending publication that carries the size at the time it runs;
-/// `getStatistics()` reads the entries directly.
+/// cache. The published size and memory figures are updated later on the main executor
+/// when the number of entries changed, by at most one pending publication, which carries
+/// the number at the time it runs; `getStatistics()` reads the entries directly.
 ///
 /// Observed properties: "totalRequests", "cacheHits", "cacheMisses", "cacheSize" and
 /// "memoryUsage", all announced on the main executor. The counters themselves change at
@@ -206,10 +206,15 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   ValidationResult validateByAge(std::string_view key, const std::function<ValidationResult()>& compute);
   ValidationResult lookup(std::string_view key, const std::string_view* dependencyHash,
                           const std::function<ValidationResult()>& compute, bool evict);
+  // What a lookup found under the shared lock, and when.
+  struct Probe {
+    Map::iterator found;
+    std::uint64_t mutations = 0;
+  };
   ValidationResult lookupExclusively(std::string_view key, const std::string_view* dependencyHash,
-                                     const std::function<ValidationResult()>& compute, bool evict, bool nested);
+                                     const std::function<ValidationResult()>& compute, bool evict, const Probe* probe);
   ValidationResult computeCounted(std::string_view key, const std::function<ValidationResult()>& compute);
-  Node* servable(std::string_view key, const std::string_view* dependencyHash);
+  bool servable(const Node& node, const std::string_view* dependencyHash) const;
   const ValidationResult& recordHit(Node& node);
 
   bool isFresh(const Node& node, std::chrono::steady_clock::time_point now) const;
@@ -246,6 +251,8 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   // alone; eviction, under the exclusive lock, re-places a top slot whose entry was used
   // since, until the top entry is truly the least recently used one.
   std::vector<RecencySlot> recency_;
+  // Stores and removals so far, so that a lookup knows whether what it found still holds.
+  std::uint64_t mutations_ = 0;
   // The access sequence is the hits served plus the stores made: a hit draws a ticket, and
   // stores, which hold the exclusive lock, are counted apart. The hit count is the tickets
   // drawn since the last counter reset.

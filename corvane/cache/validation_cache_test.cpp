@@ -259,7 +259,7 @@ TEST_F(ValidationCacheTest, CounterChangesAreAnnouncedOnTheMainLoop) {
 
 // Nothing observes the cache: its counters change at once but nothing is queued for them,
 // and the size publications of a burst of changes are one post, which publishes the size
-// the cache has when it runs.
+// the cache has when it runs; a size that did not change is not published again.
 TEST_F(ValidationCacheTest, UnobservedChangesQueueOneSizePublicationAndNoAnnouncement) {
   auto cache = makeCache(3);
   for (const char* key : {"a", "b", "c", "d", "e"}) cache->getOrCompute(key, "", counted(key));
@@ -272,6 +272,10 @@ TEST_F(ValidationCacheTest, UnobservedChangesQueueOneSizePublicationAndNoAnnounc
   EXPECT_EQ(loop.drain(), 1u);
   EXPECT_EQ(cache->cacheSize(), 2);
   EXPECT_EQ(cache->memoryUsage(), 500);
+
+  // A store that leaves the number of entries as it was has nothing to publish.
+  cache->getOrCompute("e", "another hash", counted("e"));
+  EXPECT_EQ(loop.drain(), 0u);
 
   // The next change queues the next publication.
   cache->clear();
