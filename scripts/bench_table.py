@@ -13,7 +13,8 @@ BASELINES = {
     "TrackedSize": ["PlainValueAndVerdictBaseline"],
     "TrackedWriteUnobserved": ["PlainValueAndVerdictBaseline"],
     "TrackedWriteObserved": ["TrackedWriteUnobserved"],
-    "CacheHit": ["MapHitBaseline"],
+    "CacheHit": ["SharedLockMapHitBaseline"],
+    "CacheHitByAge": ["SharedLockMapHitBaseline"],
     "CacheMissWithEviction/1000": ["MapMissWithEvictionBaseline/1000"],
     "CacheMissWithEviction/100000": ["MapMissWithEvictionBaseline/100000"],
     "BM_CheckFolder": ["BM_ReadAndCountBaseline"],
@@ -27,9 +28,9 @@ BASELINES = {
     "BM_StudioOpensFortyLocaleFolder/manual_time": ["BM_StudioStartsWithoutFolderBaseline/manual_time"],
 }
 IS_BASELINE = {"utf8procLoop/ascii", "utf8procLoop/mixed", "icuBreakIterator/ascii", "icuBreakIterator/mixed",
-               "byteScanBaseline/ascii", "asciiTrimBaseline", "PlainValueAndVerdictBaseline", "MapHitBaseline",
-               "MapMissWithEvictionBaseline/1000", "MapMissWithEvictionBaseline/100000", "BM_ReadAndCountBaseline",
-               "TrackerRegisterQueryUnregister/1000", "BM_KeystrokeInPlainTextAreaBaseline",
+               "byteScanBaseline/ascii", "asciiTrimBaseline", "PlainValueAndVerdictBaseline",
+               "SharedLockMapHitBaseline", "MapMissWithEvictionBaseline/1000", "MapMissWithEvictionBaseline/100000",
+               "BM_ReadAndCountBaseline", "TrackerRegisterQueryUnregister/1000", "BM_KeystrokeInPlainTextAreaBaseline",
                "BM_ReadAndCountFortyLocalesBaseline", "BM_StudioStartsWithoutFolderBaseline/manual_time",
                "PlainSaveLoopBaseline/1000", "PlainSaveLoopBaseline/10000", "PlainSaveLoopBaseline/100000"}
 # Figures a benchmark reports beside its time.

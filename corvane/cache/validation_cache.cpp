@@ -8,8 +8,11 @@
 #include <boost/asio/steady_timer.hpp>
 #include <boost/asio/system_executor.hpp>
 
+#include <algorithm>
+#include <ctime>
 #include <limits>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 namespace corvane {
@@ -45,6 +48,13 @@ constexpr unsigned kRequests = 1;
 constexpr unsigned kHits = 2;
 constexpr unsigned kMisses = 4;
 
+// Children per node of the recency heap: half the depth of a binary heap, and a node's
+// children share a cache line.
+constexpr std::size_t kRecencyArity = 4;
+
+// What an entry's sequence word holds while a hit updates the entry: no sequence reaches it.
+constexpr std::uint64_t kHitInProgress = std::uint64_t{1} << 63;
+
 // The computations running on this thread, innermost first. A computation that calls back
 // into its own cache runs under the lock that its lookup already holds.
 struct RunningComputation {
@@ -63,6 +73,19 @@ struct RunningComputation {
 };
 
 thread_local RunningComputation* RunningComputation::innermostComputation = nullptr;
+
+// The monotonic clock as of the last scheduler tick: a few nanoseconds where the precise
+// reading costs several times that, and every hit reads it. Same epoch as `steady_clock`.
+std::chrono::steady_clock::time_point coarseSteadyNow() noexcept {
+#ifdef CLOCK_MONOTONIC_COARSE
+  timespec now{};
+  if (clock_gettime(CLOCK_MONOTONIC_COARSE, &now) == 0) {
+    return std::chrono::steady_clock::time_point(std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+        std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec)));
+  }
+#endif
+  return std::chrono::steady_clock::now();
+}
 
 }  // namespace
 
@@ -89,94 +112,175 @@ std::shared_ptr<ValidationCache> ValidationCache::create(Configuration configura
 }
 
 ValidationCache::ValidationCache(Passkey, Configuration configuration, Clocks clocks)
-    : configuration_(configuration), clocks_(std::move(clocks)) {}
+    : configuration_(configuration),
+      clocks_(std::move(clocks)),
+      realWallClock_(!clocks_.wall),
+      realSteadyClock_(!clocks_.steady) {}
 
 ValidationCache::~ValidationCache() = default;
 
+// Kept inline in the two entry points: a hit is short enough for a call to show.
+__attribute__((always_inline)) inline ValidationResult ValidationCache::lookup(
+    std::string_view key, const std::string_view* dependencyHash, const std::function<ValidationResult()>& compute,
+    bool evict) {
+  if (computingOnThisThread(key)) return lookupExclusively(key, dependencyHash, compute, evict, nullptr);
+  // A hit is served under the shared lock, the verdict copied straight into the result.
+  Probe probe;
+  {
+    std::shared_lock lock(mutex_);
+    probe = {cache_.find(key), mutations_};
+    if (probe.found != cache_.end() && servable(probe.found->second, dependencyHash)) {
+      return recordHit(probe.found->second);
+    }
+  }
+  return lookupExclusively(key, dependencyHash, compute, evict, &probe);
+}
+
 ValidationResult ValidationCache::getOrCompute(std::string_view key, std::string_view dependencyHash,
                                                const std::function<ValidationResult()>& compute) {
-  return lookup(key, dependencyHash, compute, true);
+  return lookup(key, &dependencyHash, compute, true);
 }
 
 ValidationResult ValidationCache::validateByAge(std::string_view key,
                                                 const std::function<ValidationResult()>& compute) {
-  return lookup(key, std::nullopt, compute, false);
+  return lookup(key, nullptr, compute, false);
 }
 
-ValidationResult ValidationCache::lookup(std::string_view key, std::optional<std::string_view> dependencyHash,
-                                         const std::function<ValidationResult()>& compute, bool evict) {
-  const bool counting = configuration_.enableStatistics;
-  std::optional<ValidationResult> result;
-  bool hit = false;
-  unsigned changed = 0;
-  std::size_t entries = 0;
-  {
-    auto lock = lockExclusive();
-    for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
-      CORVANE_PRECONDITION(
-          running->cache != this || running->key != key,
-          "ValidationCache: the computation of '" + std::string(key) + "' asked the same cache for its own key");
-    }
-    if (counting) changed |= count(totalRequests_, kRequests);
-    const auto steady = steadyNow();
-    auto found = cache_.find(key);
-    if (found != cache_.end() && isFresh(found->second, steady) &&
-        (!dependencyHash || found->second.entry.dependencyHash == *dependencyHash)) {
-      auto& entry = found->second.entry;
-      entry.accessCount = checkedAdd<std::int64_t>(entry.accessCount, 1);
-      entry.lastAccessSequence = nextSequence();
-      recency_.splice(recency_.end(), recency_, found->second.recency);
-      if (counting) changed |= count(cacheHits_, kHits);
-      result = entry.result;
-      hit = true;
-    } else {
-      const auto wall = wallNow();
-      try {
-        RunningComputation running(this, key);
-        result = compute();
-      } catch (...) {
-        if (counting) announceCounters(changed | count(cacheMisses_, kMisses));
-        throw;
-      }
-      // The computation may have used the cache itself and moved or removed this entry.
-      found = cache_.find(key);
-      CacheEntry entry{*result, wall, std::string(dependencyHash.value_or("")), 1, nextSequence()};
-      if (found != cache_.end()) {
-        found->second.entry = std::move(entry);
-        found->second.storedAt = steady;
-        recency_.splice(recency_.end(), recency_, found->second.recency);
-      } else {
-        auto inserted = cache_.emplace(std::string(key), Node{std::move(entry), steady, {}}).first;
-        inserted->second.recency = recency_.insert(recency_.end(), &inserted->first);
-      }
-      if (evict) evictExcess();
-      if (counting) changed |= count(cacheMisses_, kMisses);
-    }
-    entries = cache_.size();
+// A nested lookup (without a probe) runs under the exclusive lock that its computation's
+// lookup holds.
+ValidationResult ValidationCache::lookupExclusively(std::string_view key, const std::string_view* dependencyHash,
+                                                    const std::function<ValidationResult()>& compute, bool evict,
+                                                    const Probe* probe) {
+  std::unique_lock<std::shared_mutex> lock;
+  if (probe) lock = std::unique_lock(mutex_);
+  // Unless the entries changed since the shared lock was let go, what it found still holds
+  // (and was not servable: time only moves on).
+  auto found = probe ? probe->found : cache_.end();
+  if (!probe || probe->mutations != mutations_) {
+    found = cache_.find(key);
+    if (found != cache_.end() && servable(found->second, dependencyHash)) return recordHit(found->second);
   }
-  if (changed != 0) announceCounters(changed);
-  if (!hit) publishSize(entries);
-  return std::move(*result);
+
+  const auto steady = steadyNow();
+  const auto wall = wallNow();
+  const auto mutationsBefore = mutations_;
+  ValidationResult result = computeCounted(key, compute);
+  // The computation may have used the cache itself and replaced or removed this entry.
+  if (mutations_ != mutationsBefore) found = cache_.find(key);
+  ++mutations_;
+  const auto sequence = nextStoreSequence();
+  if (found != cache_.end()) {
+    // Its slot keeps the smaller sequence, which eviction tells apart from the entry's own.
+    // Copied first, so that running out of memory leaves the entry as it was.
+    ValidationResult stored = result;
+    std::string hash(dependencyHash ? *dependencyHash : std::string_view());
+    Node& node = found->second;
+    node.result = std::move(stored);
+    node.dependencyHash = std::move(hash);
+    node.timestamp = wall;
+    node.storedAt = steady;
+    node.accessCount = 1;
+    node.lastAccess.store(static_cast<std::uint64_t>(sequence), std::memory_order_relaxed);
+  } else {
+    // Room for the slot first, so that nothing can fail between the map and the heap.
+    reserveSlot();
+    auto& inserted = *cache_
+                          .try_emplace(std::string(key), result, wall, steady,
+                                       dependencyHash ? *dependencyHash : std::string_view(), sequence)
+                          .first;
+    recency_.push_back({sequence, &inserted});
+    siftUp(recency_.size() - 1);
+  }
+  if (evict) evictExcess();
+  entryCount_.store(static_cast<std::int64_t>(cache_.size()));
+  if (configuration_.enableStatistics) {
+    count(cacheMisses_);
+    if (observationRegistrar().mayBeObserved()) announceCounters(kRequests | kMisses);
+  }
+  publishSize();
+  return result;
 }
 
-bool ValidationCache::isFresh(const Node& node, std::chrono::steady_clock::time_point now) const {
+ValidationResult ValidationCache::computeCounted(std::string_view key,
+                                                 const std::function<ValidationResult()>& compute) {
+  const bool counting = configuration_.enableStatistics;
+  if (counting) count(computedRequests_);
+  struct Running {
+    explicit Running(std::atomic<int>& count_) : count(count_) { count.fetch_add(1, std::memory_order_relaxed); }
+    ~Running() { count.fetch_sub(1, std::memory_order_relaxed); }
+    std::atomic<int>& count;
+  };
+  try {
+    Running counted(runningComputations_);
+    RunningComputation running(this, key);
+    return compute();
+  } catch (...) {
+    if (counting) {
+      count(cacheMisses_);
+      if (observationRegistrar().mayBeObserved()) announceCounters(kRequests | kMisses);
+    }
+    throw;
+  }
+}
+
+inline bool ValidationCache::servable(const Node& node, const std::string_view* dependencyHash) const {
+  return isFresh(node, steadyNow()) && (!dependencyHash || node.dependencyHash == *dependencyHash);
+}
+
+// Runs under the shared lock, beside other hits: the hit's ticket counts it and, with the
+// stores so far (which wait for the exclusive lock), gives its sequence. A hit holds the
+// entry's sequence word at `kHitInProgress` while it updates the count, and the entry keeps
+// the largest sequence its hits drew, which is the one of its last access.
+// Kept inline: a hit costs a few tens of nanoseconds, and a call is a good part of that.
+__attribute__((always_inline)) inline const ValidationResult& ValidationCache::recordHit(Node& node) {
+  const auto ticket = hitTickets_.fetch_add(1);
+  if (ticket == std::numeric_limits<std::int64_t>::max()) detail::preconditionFailure("integer overflow in addition");
+  const auto sequence = static_cast<std::uint64_t>(checkedAdd<std::int64_t>(ticket + 1, storeSequences_));
+  std::uint64_t last;
+  while ((last = node.lastAccess.exchange(kHitInProgress, std::memory_order_acquire)) == kHitInProgress) {
+    while (node.lastAccess.load(std::memory_order_relaxed) == kHitInProgress) std::this_thread::yield();
+  }
+  node.accessCount = checkedAdd<std::int64_t>(node.accessCount, 1);
+  node.lastAccess.store(std::max(last, sequence), std::memory_order_release);
+  // The ticket counted the hit first: an observer that arrives now reads the new count.
+  if (configuration_.enableStatistics && observationRegistrar().mayBeObserved()) {
+    announceCounters(kRequests | kHits);
+  }
+  return node.result;
+}
+
+inline bool ValidationCache::isFresh(const Node& node, std::chrono::steady_clock::time_point now) const {
   const std::chrono::duration<double> age = now - node.storedAt;
   return age.count() <= configuration_.maxAge;
 }
 
 std::chrono::system_clock::time_point ValidationCache::wallNow() const {
-  return clocks_.wall ? clocks_.wall() : std::chrono::system_clock::now();
+  return realWallClock_ ? std::chrono::system_clock::now() : clocks_.wall();
 }
 
-std::chrono::steady_clock::time_point ValidationCache::steadyNow() const {
-  return clocks_.steady ? clocks_.steady() : std::chrono::steady_clock::now();
+inline std::chrono::steady_clock::time_point ValidationCache::steadyNow() const {
+  return realSteadyClock_ ? coarseSteadyNow() : clocks_.steady();
 }
 
 bool ValidationCache::computingOnThisThread() const noexcept {
+  if (runningComputations_.load(std::memory_order_relaxed) == 0) return false;
   for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
     if (running->cache == this) return true;
   }
   return false;
+}
+
+// Also checks that no computation on this thread asks for its own key.
+inline bool ValidationCache::computingOnThisThread(std::string_view key) const {
+  if (runningComputations_.load(std::memory_order_relaxed) == 0) return false;
+  bool nested = false;
+  for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
+    if (running->cache != this) continue;
+    CORVANE_PRECONDITION(running->key != key, "ValidationCache: the computation of '" + std::string(key) +
+                                                  "' asked the same cache for its own key");
+    nested = true;
+  }
+  return nested;
 }
 
 // Inside one of its computations this thread already holds the cache exclusively; taking
@@ -191,41 +295,110 @@ std::shared_lock<std::shared_mutex> ValidationCache::lockShared() const {
   return std::shared_lock(mutex_);
 }
 
-unsigned ValidationCache::count(std::atomic<std::int64_t>& counter, unsigned announcement) {
+inline void ValidationCache::count(std::atomic<std::int64_t>& counter) {
   if (counter.fetch_add(1) == std::numeric_limits<std::int64_t>::max()) {
     detail::preconditionFailure("integer overflow in addition");
   }
-  return announcement;
 }
 
-std::int64_t ValidationCache::nextSequence() {
-  accessSequence_ = checkedAdd<std::int64_t>(accessSequence_, 1);
-  return accessSequence_;
+// A store's sequence, under the exclusive lock: no hit draws a ticket meanwhile.
+std::int64_t ValidationCache::nextStoreSequence() {
+  storeSequences_ = checkedAdd<std::int64_t>(storeSequences_, 1);
+  return checkedAdd(hitTickets_.load(), storeSequences_);
+}
+
+std::size_t ValidationCache::bound() const {
+  return configuration_.maxSize < 0 ? 0 : static_cast<std::size_t>(configuration_.maxSize);
+}
+
+// Doubles, except that a cache that evicts needs one slot beyond its bound at most.
+void ValidationCache::reserveSlot() {
+  const auto size = recency_.size();
+  if (size < recency_.capacity()) return;
+  auto wanted = std::max<std::size_t>(16, 2 * size);
+  if (size <= bound()) wanted = std::min(wanted, bound() + 1);
+  recency_.reserve(wanted);
+}
+
+// The recency heap keeps each entry's position in its node, so that a removal finds its slot.
+void ValidationCache::placeSlot(std::size_t index, RecencySlot slot) {
+  slot.entry->second.recencyIndex = index;
+  recency_[index] = slot;
+}
+
+void ValidationCache::siftUp(std::size_t index) {
+  const RecencySlot moving = recency_[index];
+  while (index > 0) {
+    const std::size_t parent = (index - 1) / kRecencyArity;
+    if (recency_[parent].sequence <= moving.sequence) break;
+    placeSlot(index, recency_[parent]);
+    index = parent;
+  }
+  placeSlot(index, moving);
+}
+
+void ValidationCache::siftDown(std::size_t index) {
+  const RecencySlot moving = recency_[index];
+  const std::size_t size = recency_.size();
+  for (;;) {
+    const std::size_t first = index * kRecencyArity + 1;
+    if (first >= size) break;
+    const std::size_t end = std::min(first + kRecencyArity, size);
+    std::size_t smallest = first;
+    for (std::size_t child = first + 1; child < end; ++child) {
+      if (recency_[child].sequence < recency_[smallest].sequence) smallest = child;
+    }
+    if (recency_[smallest].sequence >= moving.sequence) break;
+    placeSlot(index, recency_[smallest]);
+    index = smallest;
+  }
+  placeSlot(index, moving);
+}
+
+void ValidationCache::removeSlot(std::size_t index) {
+  const RecencySlot last = recency_.back();
+  recency_.pop_back();
+  if (index == recency_.size()) return;
+  placeSlot(index, last);
+  if (index > 0 && recency_[(index - 1) / kRecencyArity].sequence > last.sequence) {
+    siftUp(index);
+  } else {
+    siftDown(index);
+  }
 }
 
 void ValidationCache::erase(Map::iterator position) {
-  recency_.erase(position->second.recency);
+  ++mutations_;
+  removeSlot(position->second.recencyIndex);
   cache_.erase(position);
 }
 
+// Every entry's own sequence is at least its slot's, so a top slot that matches its entry
+// holds the smallest sequence of all: the least recently used entry. A top slot behind its
+// entry moves to the entry's sequence, once per entry used since the last eviction at most.
 void ValidationCache::evictExcess() {
-  // The recency list is ordered by last access, so its front holds the smallest sequences.
-  const auto maxSize = configuration_.maxSize < 0 ? 0 : static_cast<std::size_t>(configuration_.maxSize);
-  while (cache_.size() > maxSize) erase(cache_.find(*recency_.front()));
+  while (cache_.size() > bound()) {
+    RecencySlot& top = recency_.front();
+    const auto current = static_cast<std::int64_t>(top.entry->second.lastAccess.load(std::memory_order_relaxed));
+    if (current != top.sequence) {
+      top.sequence = current;
+      siftDown(0);
+      continue;
+    }
+    erase(cache_.find(top.entry->first));
+  }
 }
 
 void ValidationCache::invalidate(std::string_view key) {
-  std::size_t entries = 0;
   {
     auto lock = lockExclusive();
     if (auto found = cache_.find(key); found != cache_.end()) erase(found);
-    entries = cache_.size();
+    entryCount_.store(static_cast<std::int64_t>(cache_.size()));
   }
-  publishSize(entries);
+  publishSize();
 }
 
 void ValidationCache::invalidatePrefix(std::string_view prefix) {
-  std::size_t entries = 0;
   {
     auto lock = lockExclusive();
     for (auto position = cache_.begin(); position != cache_.end();) {
@@ -233,42 +406,49 @@ void ValidationCache::invalidatePrefix(std::string_view prefix) {
       if (std::string_view(position->first).starts_with(prefix)) erase(position);
       position = next;
     }
-    entries = cache_.size();
+    entryCount_.store(static_cast<std::int64_t>(cache_.size()));
   }
-  publishSize(entries);
+  publishSize();
 }
 
 void ValidationCache::clear() {
   {
     auto lock = lockExclusive();
+    ++mutations_;
     cache_.clear();
     recency_.clear();
+    entryCount_.store(0);
   }
   if (configuration_.enableStatistics) {
     postToMain([weak = weak_from_this()] {
       auto self = weak.lock();
       if (!self) return;
-      self->totalRequests_.store(0);
-      self->cacheHits_.store(0);
+      self->computedRequests_.store(0);
+      self->hitsBeforeReset_.store(self->hitTickets_.load());
       self->cacheMisses_.store(0);
       self->announce({"totalRequests", "cacheHits", "cacheMisses"});
     });
   }
-  publishSize(0);
+  publishSize();
 }
 
 ValidationCache::Statistics ValidationCache::getStatistics() const {
   auto lock = lockShared();
   const auto entries = static_cast<std::int64_t>(cache_.size());
-  return Statistics(totalRequests_.load(), cacheHits_.load(), cacheMisses_.load(), entries,
+  // Misses are counted after their requests: read first, they never exceed them.
+  const auto misses = cacheMisses_.load();
+  const auto hits = countedHits();
+  return Statistics(checkedAdd(hits, computedRequests_.load()), hits, misses, entries,
                     checkedMultiply(entries, kBytesPerEntry));
 }
 
 std::optional<ValidationCache::CacheEntry> ValidationCache::entry(std::string_view key) const {
-  auto lock = lockShared();
+  auto lock = lockExclusive();
   auto found = cache_.find(key);
   if (found == cache_.end()) return std::nullopt;
-  return found->second.entry;
+  const Node& node = found->second;
+  return CacheEntry{node.result, node.timestamp, node.dependencyHash, node.accessCount,
+                    static_cast<std::int64_t>(node.lastAccess.load(std::memory_order_relaxed))};
 }
 
 void ValidationCache::cleanUp() {
@@ -280,6 +460,7 @@ void ValidationCache::cleanUp() {
       if (!isFresh(position->second, now)) erase(position);
       position = next;
     }
+    entryCount_.store(static_cast<std::int64_t>(cache_.size()));
   }
   if (!configuration_.enableStatistics) return;
   const auto statistics = getStatistics();
@@ -310,25 +491,40 @@ void ValidationCache::announceCounters(unsigned counters) {
   });
 }
 
-void ValidationCache::publishSize(std::size_t entries) {
-  const auto count = static_cast<std::int64_t>(entries);
-  const auto memory = checkedMultiply(count, kBytesPerEntry);
-  postToMain([weak = weak_from_this(), count, memory] {
+// At most one publication is queued at a time, and only while the published figure is not
+// the cache's size; it publishes the size it finds when it runs. A change that saw the old
+// figure, and so queued nothing, is caught by the publication's own check at its end.
+void ValidationCache::publishSize() {
+  if (entryCount_.load() == cacheSize_.load()) return;
+  if (sizePublicationQueued_.exchange(true)) return;
+  postToMain([weak = weak_from_this()] {
     auto self = weak.lock();
     if (!self) return;
+    self->sizePublicationQueued_.store(false);
+    const auto count = self->entryCount_.load();
+    const auto memory = checkedMultiply(count, kBytesPerEntry);
     self->observationRegistrar().withMutation("cacheSize", [&] { self->cacheSize_.store(count); });
     self->observationRegistrar().withMutation("memoryUsage", [&] { self->memoryUsage_.store(memory); });
+    self->publishSize();
   });
+}
+
+// The tickets drawn since the last reset, which is read first so that a reset in between
+// cannot make the count negative.
+std::int64_t ValidationCache::countedHits() const {
+  if (!configuration_.enableStatistics) return 0;
+  const auto before = hitsBeforeReset_.load();
+  return hitTickets_.load() - before;
 }
 
 std::int64_t ValidationCache::totalRequests() const {
   observationRegistrar().access("totalRequests");
-  return totalRequests_.load();
+  return checkedAdd(countedHits(), computedRequests_.load());
 }
 
 std::int64_t ValidationCache::cacheHits() const {
   observationRegistrar().access("cacheHits");
-  return cacheHits_.load();
+  return countedHits();
 }
 
 std::int64_t ValidationCache::cacheMisses() const {

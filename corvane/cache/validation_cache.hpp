@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <functional>
 #include <initializer_list>
-#include <list>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -16,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 namespace corvane {
 
@@ -24,17 +24,19 @@ namespace corvane {
 /// The least recently used entries are evicted beyond `maxSize`, a clean-up removes expired
 /// entries every 30 seconds, and hit and miss counts are kept for observers.
 ///
-/// Every operation may be called from any thread. Lookups run `compute` while holding the
-/// cache exclusively; `compute` may call back into the same cache on the same thread (the
-/// call is served under the lock already held), but not for the key being computed, which
-/// is a fatal precondition failure, and it must not wait for another thread that uses this
-/// cache. The published size and memory figures are updated later on the main executor;
-/// `getStatistics()` reads the entries directly.
+/// Every operation may be called from any thread. Hits hold the cache shared, so that
+/// threads are served side by side; a miss runs `compute` while holding the cache
+/// exclusively. `compute` may call back into the same cache on the same thread (the call is
+/// served under the lock already held), but not for the key being computed, which is a
+/// fatal precondition failure, and it must not wait for another thread that uses this
+/// cache. The published size and memory figures are updated later on the main executor
+/// when the number of entries changed, by at most one pending publication, which carries
+/// the number at the time it runs; `getStatistics()` reads the entries directly.
 ///
 /// Observed properties: "totalRequests", "cacheHits", "cacheMisses", "cacheSize" and
 /// "memoryUsage", all announced on the main executor. The counters themselves change at
-/// once (the announcement follows; changes in a burst are announced together); the size
-/// and memory figures change when announced.
+/// once (the announcement follows while anything observes the cache; changes in a burst
+/// are announced together); the size and memory figures change when announced.
 class ValidationCache : public Observable, public std::enable_shared_from_this<ValidationCache> {
  public:
   /// Fixed at construction.
@@ -84,7 +86,9 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   /// What the cache reads the time from; tests pass clocks they move by hand, and an empty
   /// function stands for the real clock. Ages are measured on `steady`, so that correcting
   /// the wall clock neither expires young entries nor keeps old ones; `wall` only stamps
-  /// entries (`CacheEntry::timestamp`).
+  /// entries (`CacheEntry::timestamp`). The real steady clock is read at the coarse
+  /// resolution the system keeps cheaply (one scheduler tick, 1 to 10 ms on Linux), since
+  /// every hit reads it: an age may be off by up to one tick.
   struct Clocks {
     std::function<std::chrono::system_clock::time_point()> wall;
     std::function<std::chrono::steady_clock::time_point()> steady;
@@ -134,7 +138,8 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   /// The counters and the current number of entries.
   Statistics getStatistics() const;
 
-  /// A copy of the entry under `key`, without counting a request or refreshing it.
+  /// A copy of the entry under `key`, without counting a request or refreshing it. It holds
+  /// the cache exclusively, so that its count and sequence come from the same hit.
   std::optional<CacheEntry> entry(std::string_view key) const;
 
   /// Removes every entry older than `maxAge` and, with statistics on and at least one
@@ -161,22 +166,56 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
 
  private:
   class CleanupTimer;
-  // The recency list points at the map's own keys, which stay put while the node lives.
-  // `storedAt` is the steady time of the last store: ages are measured from it.
+  // `storedAt` is the steady time of the last store: ages are measured from it. The access
+  // count and sequence change under the shared lock of a hit, everything else only under
+  // the exclusive lock.
   struct Node {
-    CacheEntry entry;
+    Node(const ValidationResult& result_, std::chrono::system_clock::time_point timestamp_,
+         std::chrono::steady_clock::time_point storedAt_, std::string_view dependencyHash_, std::int64_t sequence)
+        : result(result_),
+          timestamp(timestamp_),
+          storedAt(storedAt_),
+          dependencyHash(dependencyHash_),
+          lastAccess(static_cast<std::uint64_t>(sequence)) {}
+
+    ValidationResult result;
+    std::chrono::system_clock::time_point timestamp;
     std::chrono::steady_clock::time_point storedAt;
-    std::list<const std::string*>::iterator recency;
+    std::string dependencyHash;
+    // The last access sequence, or a mark that no sequence reaches while a hit updates the
+    // count and sequence (see `recordHit`).
+    std::int64_t accessCount = 1;
+    std::atomic<std::uint64_t> lastAccess;
+    // Where this entry's slot is in `recency_`.
+    std::size_t recencyIndex = 0;
   };
 
   struct KeyHash {
     using is_transparent = void;
     std::size_t operator()(std::string_view key) const noexcept { return std::hash<std::string_view>{}(key); }
   };
-  ValidationResult validateByAge(std::string_view key, const std::function<ValidationResult()>& compute);
-  ValidationResult lookup(std::string_view key, std::optional<std::string_view> dependencyHash,
-                          const std::function<ValidationResult()>& compute, bool evict);
   using Map = std::unordered_map<std::string, Node, KeyHash, std::equal_to<>>;
+
+  // One entry in the recency heap. `sequence` is the entry's access sequence when the slot
+  // was last placed; hits since then only raised the entry's own, so it is never larger.
+  struct RecencySlot {
+    std::int64_t sequence;
+    Map::value_type* entry;
+  };
+
+  ValidationResult validateByAge(std::string_view key, const std::function<ValidationResult()>& compute);
+  ValidationResult lookup(std::string_view key, const std::string_view* dependencyHash,
+                          const std::function<ValidationResult()>& compute, bool evict);
+  // What a lookup found under the shared lock, and when.
+  struct Probe {
+    Map::iterator found;
+    std::uint64_t mutations = 0;
+  };
+  ValidationResult lookupExclusively(std::string_view key, const std::string_view* dependencyHash,
+                                     const std::function<ValidationResult()>& compute, bool evict, const Probe* probe);
+  ValidationResult computeCounted(std::string_view key, const std::function<ValidationResult()>& compute);
+  bool servable(const Node& node, const std::string_view* dependencyHash) const;
+  const ValidationResult& recordHit(Node& node);
 
   bool isFresh(const Node& node, std::chrono::steady_clock::time_point now) const;
   std::chrono::system_clock::time_point wallNow() const;
@@ -184,29 +223,57 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   bool computingOnThisThread() const noexcept;
   std::unique_lock<std::shared_mutex> lockExclusive() const;
   std::shared_lock<std::shared_mutex> lockShared() const;
-  static unsigned count(std::atomic<std::int64_t>& counter, unsigned announcement);
+  static void count(std::atomic<std::int64_t>& counter);
+  bool computingOnThisThread(std::string_view key) const;
   void erase(Map::iterator position);
   void evictExcess();
-  std::int64_t nextSequence();
+  std::int64_t nextStoreSequence();
+  std::int64_t countedHits() const;
+  std::size_t bound() const;
+  void reserveSlot();
+  void placeSlot(std::size_t index, RecencySlot slot);
+  void siftUp(std::size_t index);
+  void siftDown(std::size_t index);
+  void removeSlot(std::size_t index);
   void announce(std::initializer_list<std::string_view> keys);
   void announceCounters(unsigned counters);
-  void publishSize(std::size_t entries);
+  void publishSize();
 
   const Configuration configuration_;
   const Clocks clocks_;
+  // Decided once: whether the real clocks are read directly rather than through `clocks_`.
+  const bool realWallClock_;
+  const bool realSteadyClock_;
 
   mutable std::shared_mutex mutex_;
   Map cache_;
-  std::list<const std::string*> recency_;  // least recently used first
-  std::int64_t accessSequence_ = 0;
+  // A min-heap of one slot per entry, by slot sequence, four children a node. Hits leave it
+  // alone; eviction, under the exclusive lock, re-places a top slot whose entry was used
+  // since, until the top entry is truly the least recently used one.
+  std::vector<RecencySlot> recency_;
+  // Stores and removals so far, so that a lookup knows whether what it found still holds.
+  std::uint64_t mutations_ = 0;
+  // The access sequence is the hits served plus the stores made: a hit draws a ticket, and
+  // stores, which hold the exclusive lock, are counted apart. The hit count is the tickets
+  // drawn since the last counter reset.
+  std::atomic<std::int64_t> hitTickets_{0};
+  std::int64_t storeSequences_ = 0;
+  std::atomic<std::int64_t> hitsBeforeReset_{0};
 
-  std::atomic<std::int64_t> totalRequests_{0};
-  std::atomic<std::int64_t> cacheHits_{0};
+  // Computations of this cache running on any thread: while there are none, no lookup is
+  // nested, and the thread's chain of computations need not be walked.
+  std::atomic<int> runningComputations_{0};
+
+  // The requests that did not hit at once; `totalRequests` adds the hits to them.
+  std::atomic<std::int64_t> computedRequests_{0};
   std::atomic<std::int64_t> cacheMisses_{0};
   std::atomic<std::int64_t> cacheSize_{0};
   std::atomic<std::int64_t> memoryUsage_{0};
   // Counters changed since the last announcement was queued (bits of kRequests, kHits, kMisses).
   std::atomic<unsigned> unannouncedCounters_{0};
+  // The number of entries for the next size publication, and whether one is queued.
+  std::atomic<std::int64_t> entryCount_{0};
+  std::atomic<bool> sizePublicationQueued_{false};
 
   std::unique_ptr<CleanupTimer> cleanupTimer_;
 };

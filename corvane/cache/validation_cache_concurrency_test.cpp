@@ -4,11 +4,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace corvane {
@@ -71,6 +73,59 @@ TEST(ValidationCacheConcurrency, MixedOperationsKeepTheCountsConsistent) {
   EXPECT_GT(statistics.cacheHits, 0);
   loop.drain();
   EXPECT_EQ(cache->cacheSize(), cache->getStatistics().cacheSize);
+}
+
+// Hits share the lock, also on the same entries, yet every count and sequence stays exact:
+// each entry is counted once per hit, holds the largest sequence drawn for it, no two
+// entries hold the same one, and the next stores evict exactly the least recently used.
+TEST(ValidationCacheConcurrency, HitsSideBySideKeepCountsSequencesAndEvictionExact) {
+  testing::TestMainLoop loop;
+  constexpr int kEntries = 32;
+  constexpr int kThreads = 4;
+  constexpr int kRounds = 200;
+  auto cache = ValidationCache::create({kEntries, 60.0, true});
+  const auto key = [](int i) { return "entity" + std::to_string(i); };
+  for (int i = 0; i < kEntries; ++i) cache->getOrCompute(key(i), "h", [&] { return verdictFor(key(i)); });
+
+  std::atomic<int> wrongAnswers{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      for (int round = 0; round < kRounds; ++round) {
+        for (int i = 0; i < kEntries; ++i) {
+          // Each thread walks the entries in its own order, so that they meet on every one.
+          const int index = (i * (2 * t + 1) + round) % kEntries;
+          auto result = cache->getOrCompute(key(index), "h", [] { return verdictFor("recomputed"); });
+          if (result.message != key(index)) ++wrongAnswers;
+        }
+      }
+    });
+  }
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(wrongAnswers.load(), 0);
+
+  constexpr std::int64_t kHits = std::int64_t{kThreads} * kRounds * kEntries;
+  EXPECT_EQ(cache->getStatistics(), ValidationCache::Statistics(kEntries + kHits, kHits, kEntries, kEntries,
+                                                                kEntries * ValidationCache::kBytesPerEntry));
+  std::vector<std::pair<std::int64_t, int>> byRecency;
+  for (int i = 0; i < kEntries; ++i) {
+    auto entry = cache->entry(key(i));
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->accessCount, 1 + kThreads * kRounds);
+    byRecency.emplace_back(entry->lastAccessSequence, i);
+  }
+  std::sort(byRecency.begin(), byRecency.end());
+  EXPECT_EQ(std::adjacent_find(byRecency.begin(), byRecency.end(),
+                               [](const auto& a, const auto& b) { return a.first == b.first; }),
+            byRecency.end());
+  EXPECT_EQ(byRecency.back().first, kEntries + kHits) << "the last hit drew the last sequence";
+
+  // Half as many new entries evict the older half, and nothing else.
+  for (int i = 0; i < kEntries / 2; ++i)
+    cache->getOrCompute("new" + std::to_string(i), "h", [] { return verdictFor("new"); });
+  for (int rank = 0; rank < kEntries; ++rank) {
+    EXPECT_EQ(cache->entry(key(byRecency[rank].second)).has_value(), rank >= kEntries / 2) << "rank " << rank;
+  }
 }
 
 TEST(ValidationCacheConcurrency, ClearRacingLookupsLeavesAUsableCache) {

@@ -1,14 +1,19 @@
 #include "corvane/cache/validation_cache.hpp"
 
+#include "corvane/observation/observation_tracking.hpp"
 #include "corvane/testing/captured_lines.hpp"
 #include "corvane/testing/test_main_loop.hpp"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <map>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 namespace corvane {
@@ -250,6 +255,136 @@ TEST_F(ValidationCacheTest, CounterChangesAreAnnouncedOnTheMainLoop) {
   EXPECT_EQ(requests, (std::vector<std::int64_t>{2, 3}));
   EXPECT_EQ(hitAnnouncements, 1) << "only the counters that changed are announced";
   EXPECT_EQ(missAnnouncements, 2);
+}
+
+// Nothing observes the cache: its counters change at once but nothing is queued for them,
+// and the size publications of a burst of changes are one post, which publishes the size
+// the cache has when it runs; a size that did not change is not published again.
+TEST_F(ValidationCacheTest, UnobservedChangesQueueOneSizePublicationAndNoAnnouncement) {
+  auto cache = makeCache(3);
+  for (const char* key : {"a", "b", "c", "d", "e"}) cache->getOrCompute(key, "", counted(key));
+  cache->getOrCompute("e", "", counted("e"));
+  cache->validate("v", 1, [&](int) { return counted("v")(); });
+  cache->invalidate("c");
+  cache->invalidatePrefix("d");
+  EXPECT_EQ(cache->getStatistics(), ValidationCache::Statistics(7, 1, 6, 2, 500));
+  EXPECT_EQ(cache->cacheSize(), 0);
+  EXPECT_EQ(loop.drain(), 1u);
+  EXPECT_EQ(cache->cacheSize(), 2);
+  EXPECT_EQ(cache->memoryUsage(), 500);
+
+  // A store that leaves the number of entries as it was has nothing to publish.
+  cache->getOrCompute("e", "another hash", counted("e"));
+  EXPECT_EQ(loop.drain(), 0u);
+
+  // The next change queues the next publication.
+  cache->clear();
+  EXPECT_EQ(loop.drain(), 2u) << "the counter reset and one publication";
+  EXPECT_EQ(cache->cacheSize(), 0);
+  EXPECT_EQ(cache->totalRequests(), 0);
+}
+
+// A change made while a publication runs, here by an observer of the size, queues another
+// one, so the figure still ends at the cache's size.
+TEST_F(ValidationCacheTest, AChangeDuringAPublicationIsPublishedToo) {
+  auto cache = makeCache();
+  cache->getOrCompute("a", "", counted("a"));
+  cache->getOrCompute("b", "", counted("b"));
+  std::vector<std::int64_t> published;
+  auto onSize = cache->observe("cacheSize", [&] {
+    published.push_back(cache->cacheSize());
+    if (published.size() == 1) cache->invalidate("a");
+  });
+  cache->getOrCompute("c", "", counted("c"));
+  loop.drain();
+  EXPECT_EQ(published, (std::vector<std::int64_t>{3, 2}));
+  EXPECT_EQ(cache->cacheSize(), 2);
+}
+
+// Once something observes the cache (an observer, or a tracking scope that read a counter),
+// the counters changed since are announced; what changed before needs no announcement,
+// since the values are read at once.
+TEST_F(ValidationCacheTest, CountersAreAnnouncedOnlyOnceSomethingObserves) {
+  auto cache = makeCache();
+  cache->getOrCompute("a", "", counted("a"));
+  cache->getOrCompute("a", "", counted("a"));
+  EXPECT_EQ(loop.drain(), 1u) << "the size publication alone";
+
+  int changes = 0;
+  withObservationTracking([&] { return cache->cacheHits(); }, [&] { ++changes; });
+  EXPECT_EQ(cache->hitRate(), 0.5) << "counted while nothing observed";
+  cache->getOrCompute("a", "", counted("a"));
+  EXPECT_EQ(changes, 0) << "announced on the main loop";
+  loop.drain();
+  EXPECT_EQ(changes, 1);
+  EXPECT_EQ(cache->cacheHits(), 2);
+
+  int misses = 0;
+  auto onMisses = cache->observe("cacheMisses", [&] { ++misses; });
+  cache->getOrCompute("b", "", counted("b"));
+  loop.drain();
+  EXPECT_EQ(misses, 1);
+  EXPECT_EQ(cache->getStatistics(), ValidationCache::Statistics(4, 2, 2, 2, 500));
+}
+
+// Eviction follows the access order exactly through hits, age-only stores beyond the bound,
+// replacements under another hash and removals, checked step by step against a plain model
+// of the entries' counts and sequences.
+TEST_F(ValidationCacheTest, EvictionMatchesAPlainModelOfTheAccessOrder) {
+  constexpr std::int64_t kBound = 16;
+  auto cache = makeCache(kBound);
+  struct Modelled {
+    std::int64_t count;
+    std::int64_t sequence;
+    std::string hash;
+  };
+  std::map<std::string, Modelled> model;
+  std::int64_t sequence = 0;
+  const auto evict = [&] {
+    while (static_cast<std::int64_t>(model.size()) > kBound) {
+      auto oldest = std::min_element(model.begin(), model.end(), [](const auto& a, const auto& b) {
+        return a.second.sequence < b.second.sequence;
+      });
+      model.erase(oldest);
+    }
+  };
+  std::mt19937 random(21);
+  for (int step = 0; step < 4000; ++step) {
+    const std::string key = "k" + std::to_string(random() % 40);
+    const std::string hash = random() % 8 == 0 ? "other" : "h";
+    auto found = model.find(key);
+    switch (random() % 8) {
+      case 0:
+        cache->invalidate(key);
+        model.erase(key);
+        break;
+      case 1:
+        cache->validate(key, 0, [&](int) { return counted(key)(); });
+        if (found != model.end()) {
+          found->second = {found->second.count + 1, ++sequence, found->second.hash};
+        } else {
+          model[key] = {1, ++sequence, ""};
+        }
+        break;
+      default:
+        cache->getOrCompute(key, hash, counted(key));
+        if (found != model.end() && found->second.hash == hash) {
+          found->second = {found->second.count + 1, ++sequence, hash};
+        } else {
+          model[key] = {1, ++sequence, hash};
+          evict();
+        }
+        break;
+    }
+    ASSERT_EQ(cache->getStatistics().cacheSize, static_cast<std::int64_t>(model.size())) << "step " << step;
+    for (const auto& [modelledKey, modelled] : model) {
+      auto entry = cache->entry(modelledKey);
+      ASSERT_TRUE(entry) << "step " << step << ": " << modelledKey;
+      ASSERT_EQ(std::tuple(entry->accessCount, entry->lastAccessSequence, entry->dependencyHash),
+                std::tuple(modelled.count, modelled.sequence, modelled.hash))
+          << "step " << step << ": " << modelledKey;
+    }
+  }
 }
 
 // Correcting the wall clock neither expires a young entry nor keeps an old one: ages are

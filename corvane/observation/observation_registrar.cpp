@@ -47,18 +47,22 @@ ObservationRegistrar::~ObservationRegistrar() {
   delete storage_.load(std::memory_order_acquire);
 }
 
-ObservationRegistrar::Storage& ObservationRegistrar::storage() {
+ObservationRegistrar::Storage& ObservationRegistrar::storage() const {
   Storage* existing = storage_.load(std::memory_order_acquire);
   if (existing) return *existing;
   auto created = std::make_unique<Storage>();
-  if (storage_.compare_exchange_strong(existing, created.get(), std::memory_order_acq_rel)) {
+  // Sequentially consistent, as `mayBeObserved` is: a writer that changed its value and
+  // then found no storage is seen by the reader that created it.
+  if (storage_.compare_exchange_strong(existing, created.get())) {
     return *created.release();
   }
   return *existing;  // another thread won the race
 }
 
 void ObservationRegistrar::access(std::string_view key) const {
-  detail::AccessRecorder::recordAccess(*this, key);
+  // A tracking scope listens from its first read, not only once it finishes: a writer
+  // asking `mayBeObserved` in between must announce.
+  if (detail::AccessRecorder::recordAccess(*this, key)) storage();
 }
 
 void ObservationRegistrar::willSet(std::string_view key) {

@@ -32,6 +32,13 @@ class ObservationRegistrar {
   /// Records a read of `key` for every `withObservationTracking` running on this thread.
   void access(std::string_view key) const;
 
+  /// Whether anything may hear this registrar's announcements: false until the first
+  /// `observe`, `objectWillChange()` or read recorded by a `withObservationTracking` scope,
+  /// true from then on. One atomic load, so that a writer may skip announcements nobody
+  /// can hear; such a writer changes its value before asking, so that a reader arriving
+  /// meanwhile either reads the new value or is announced to.
+  bool mayBeObserved() const noexcept { return storage_.load() != nullptr; }
+
   /// Announces that `key` is about to change: fires `objectWillChange`, then the pending
   /// change handlers of tracking scopes that read `key`.
   void willSet(std::string_view key);
@@ -80,8 +87,9 @@ class ObservationRegistrar {
 
  private:
   struct Storage;
-  Storage& storage();
-  std::atomic<Storage*> storage_{nullptr};
+  // Created on first use, also by a const read that a tracking scope records.
+  Storage& storage() const;
+  mutable std::atomic<Storage*> storage_{nullptr};
 };
 
 /// Base of observable classes: owns the registrar and offers the observer-facing half of

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -269,5 +270,42 @@ TEST(ObservationRegistrarMutation, AnObserverThatThrowsReachesTheWriterAfterTheW
   EXPECT_EQ(box.width(), 8);
 }
 
+// A writer may skip announcements only while nothing can hear them: every way of listening
+// counts from its start (a tracking scope from its first read, before it finishes), while
+// reads outside a scope and writes do not.
+TEST(ObservationRegistrarMayBeObserved, TurnsTrueWithTheFirstListenerOnly) {
+  struct Case {
+    const char* name;
+    std::function<void(Box&)> use;
+    bool observed;
+  };
+  const Case cases[] = {
+      {"nothing", [](Box&) {}, false},
+      {"reads and writes outside a scope",
+       [](Box& box) {
+         (void)box.width();
+         box.setWidth(3);
+       },
+       false},
+      {"an observer, also once dropped", [](Box& box) { auto connection = box.observe("width", [] {}); }, true},
+      {"objectWillChange", [](Box& box) { auto connection = box.objectWillChange().connect([] {}); }, true},
+      {"a tracking scope, from its first read on",
+       [](Box& box) {
+         withObservationTracking(
+             [&] {
+               (void)box.width();
+               EXPECT_TRUE(box.observationRegistrar().mayBeObserved()) << "before the scope finishes";
+             },
+             [] {});
+       },
+       true},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    Box box;
+    c.use(box);
+    EXPECT_EQ(box.observationRegistrar().mayBeObserved(), c.observed);
+  }
+}
 }  // namespace
 }  // namespace corvane

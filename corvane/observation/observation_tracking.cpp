@@ -51,9 +51,10 @@ void AccessRecorder::finish(std::function<void()> onChange) {
   }
 }
 
-void AccessRecorder::recordAccess(const ObservationRegistrar& registrar, std::string_view key) {
-  if (!innermostRecorder) return;
+bool AccessRecorder::recordAccess(const ObservationRegistrar& registrar, std::string_view key) {
+  if (!innermostRecorder) return false;
   innermostRecorder->accesses_.emplace_back(const_cast<ObservationRegistrar*>(&registrar), std::string(key));
+  return true;
 }
 
 void AccessRecorder::forgetRegistrar(const ObservationRegistrar& registrar) noexcept {

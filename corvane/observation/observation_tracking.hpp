@@ -26,8 +26,9 @@ class AccessRecorder {
   /// announced write to any key read so far.
   void finish(std::function<void()> onChange);
 
-  /// Called by registrars: records a read on the innermost recorder of this thread, if any.
-  static void recordAccess(const ObservationRegistrar& registrar, std::string_view key);
+  /// Called by registrars: records a read on the innermost recorder of this thread, if any,
+  /// and says whether there was one.
+  static bool recordAccess(const ObservationRegistrar& registrar, std::string_view key);
   /// Called by a registrar that is going away: forgets every read recorded for it.
   static void forgetRegistrar(const ObservationRegistrar& registrar) noexcept;
 
