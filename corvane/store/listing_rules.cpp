@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <mutex>
 #include <utility>
 
 namespace corvane::store {
@@ -292,6 +293,39 @@ struct CompiledWordLists {
   PhraseMatcher allowed;
 };
 
+namespace {
+
+// Compiled word lists kept for the whole process: each check, and each folder an editor
+// opens, would otherwise compile the same lists again. Keyed as RuleCache's are, by
+// everything that decides the lists, the facts by their identity (an address can be
+// reused by facts loaded later). Bounded, as configurations change under an editor.
+class ProcessWordLists {
+ public:
+  std::shared_ptr<const CompiledWordLists> find(const std::string& key) {
+    const std::scoped_lock lock(mutex_);
+    const auto found = lists_.find(key);
+    return found == lists_.end() ? nullptr : found->second;
+  }
+
+  void keep(const std::string& key, std::shared_ptr<const CompiledWordLists> lists) {
+    const std::scoped_lock lock(mutex_);
+    if (lists_.size() >= kMaxEntries) lists_.clear();
+    lists_.emplace(key, std::move(lists));
+  }
+
+ private:
+  static constexpr std::size_t kMaxEntries = 256;
+  std::mutex mutex_;
+  std::unordered_map<std::string, std::shared_ptr<const CompiledWordLists>> lists_;
+};
+
+ProcessWordLists& processWordLists() {
+  static ProcessWordLists lists;
+  return lists;
+}
+
+}  // namespace
+
 RuleCache::RuleCache() = default;
 RuleCache::~RuleCache() = default;
 
@@ -323,7 +357,7 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   // The family lists depend on the language only; what else decides the words goes into
   // the key, so that two locales share lists exactly when they would compile the same.
   const auto settings = configuration_.wordsFor(locale_);
-  std::string key = fmt::format("{}\n{}\n", static_cast<const void*>(&facts_), facts_.wordListLanguage(locale_));
+  std::string key = fmt::format("{}\n{}\n", facts_.identity(), facts_.wordListLanguage(locale_));
   for (const auto& [family, rule] : kContentFamilies) key += levelOf(rule) ? '1' : '0';
   key += levelOf("content.forbidden") ? '1' : '0';
   key += levelOf("content.claim") ? '1' : '0';
@@ -335,6 +369,11 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   if (cache != nullptr) {
     if (const auto found = cache->wordLists_.find(key); found != cache->wordLists_.end()) {
       words_ = found->second;
+      return;
+    }
+    if (auto kept = processWordLists().find(key)) {
+      words_ = kept;
+      cache->wordLists_.emplace(std::move(key), std::move(kept));
       return;
     }
   }
@@ -357,7 +396,10 @@ ListingRules::ListingRules(const StoreFacts& facts, const ListingConfiguration& 
   }
   for (const auto& word : settings.allowed) compiled->allowed.add(word);
   words_ = compiled;
-  if (cache != nullptr) cache->wordLists_.emplace(std::move(key), std::move(compiled));
+  if (cache != nullptr) {
+    processWordLists().keep(key, compiled);
+    cache->wordLists_.emplace(std::move(key), std::move(compiled));
+  }
 }
 
 std::optional<RuleLevel> ListingRules::levelOf(std::string_view rule) const {

@@ -22,7 +22,9 @@ struct CompiledWordLists;
 /// What the rules of a listing's locales can share, built once: the rule catalog, and the
 /// word lists compiled for matching, which the locales that use the same words (those of
 /// one language, as a rule) share, since compiling them is the expensive part of building
-/// rules. Give one to every `ListingRules` of a listing; not safe to share between threads.
+/// rules. The compiled lists are kept for the whole process too, so that the next listing
+/// over the same facts finds them. Give one to every `ListingRules` of a listing; not safe
+/// to share between threads.
 class RuleCache {
  public:
   RuleCache();
@@ -57,7 +59,7 @@ class ListingRules {
  public:
   /// The rules for `locale` (empty for the shared files, which only the configuration's
   /// global settings reach). `facts` must outlive the object. With a `cache`, what was built
-  /// before for the same facts and words is reused.
+  /// before for the same facts and words is reused, also by an earlier cache.
   ListingRules(const StoreFacts& facts, const ListingConfiguration& configuration, std::string locale,
                RuleContext context, RuleCache* cache = nullptr);
   ~ListingRules();

@@ -6,8 +6,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include <stdlib.h>
 
 namespace corvane::store {
 namespace {
@@ -204,6 +209,34 @@ TEST(ListingRulesTest, RulesBuiltThroughACacheJudgeAsRulesBuiltAlone) {
   EXPECT_EQ(facts().wordListLanguage("ja"), "en");
   EXPECT_EQ(facts().wordListLanguage("de-DE"), "de");
   EXPECT_EQ(facts().wordListLanguage("pt-BR"), "pt");
+}
+
+TEST(ListingRulesTest, WordListsKeptForTheProcessAreThoseOfTheFactsAtHand) {
+  // Compiled lists outlive the listing that compiled them. Facts loaded after others are
+  // gone may sit at the same address, with other words: each load must get its own lists.
+  namespace fs = std::filesystem;
+  std::string pattern = (fs::temp_directory_path() / "corvane-words-XXXXXX").string();
+  ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+  const fs::path edited = pattern;
+  fs::copy(CORVANE_STORE_RESOURCES, edited, fs::copy_options::recursive);
+  std::ofstream(edited / "words" / "future-feature" / "en.txt", std::ios::app) << "\nzorblax\n";
+  const auto judged = [](const StoreFacts& loaded) {
+    RuleCache cache;  // a new listing's, as each check makes one
+    const ListingRules rules(loaded, {}, "en-US", RuleContext{}, &cache);
+    return rulesOf(rules.judge(ListingField::description, "Zorblax arrives", "d"));
+  };
+  const std::vector<std::string> none;
+  const std::vector<std::string> future = {"content.future-feature"};
+  const std::vector<std::pair<fs::path, std::vector<std::string>>> loads = {
+      {CORVANE_STORE_RESOURCES, none}, {edited, future}, {edited, future}, {CORVANE_STORE_RESOURCES, none}};
+  std::optional<StoreFacts> slot;
+  for (const auto& [folder, expected] : loads) {
+    SCOPED_TRACE(folder.string());
+    slot.reset();
+    slot.emplace(StoreFacts::load(folder));
+    EXPECT_EQ(judged(*slot), expected);
+  }
+  fs::remove_all(edited);
 }
 
 TEST(ListingRulesTest, ContentMatchesReportLineAndColumnInCharacters) {

@@ -7,6 +7,7 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
+#include <atomic>
 #include <fstream>
 #include <stdexcept>
 
@@ -85,8 +86,10 @@ const StoreFacts& StoreFacts::of(StoreId store) {
 }
 
 StoreFacts StoreFacts::load(const fs::path& folder, StoreId store) {
+  static std::atomic<std::uint64_t> loads{0};
   StoreFacts facts;
   facts.store_ = store;
+  facts.identity_ = ++loads;
   const fs::path own = folder / (store == StoreId::googlePlay ? "google-play" : "app-store");
   readFields(own / "fields.toml", facts.localeFields(), facts.fields_);
   readFields(own / "fields.toml", facts.sharedFields(), facts.fields_);

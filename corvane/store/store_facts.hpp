@@ -47,6 +47,10 @@ class StoreFacts {
   /// The store these facts describe.
   StoreId store() const { return store_; }
 
+  /// A number that no other `load` in this process gives (copies keep it), so that what is
+  /// built from the facts can be kept beyond them without being taken for another load's.
+  std::uint64_t identity() const { return identity_; }
+
   /// The store's localized fields, in report order (`kLocaleFields` for the App Store,
   /// `kPlayLocaleFields` for Google Play).
   std::span<const ListingField> localeFields() const;
@@ -113,6 +117,7 @@ class StoreFacts {
   StoreFacts() = default;
 
   StoreId store_ = StoreId::appStore;
+  std::uint64_t identity_ = 0;
   std::array<FieldFacts, kFieldCount> fields_;
   std::vector<std::string> locales_;
   std::vector<std::string> sharedFolders_;
