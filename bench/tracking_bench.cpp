@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <list>
+#include <memory>
 #include <mutex>
 #include <shared_mutex>
 #include <string>
@@ -76,6 +77,25 @@ void CacheHit(benchmark::State& state) {
 }
 BENCHMARK(CacheHit);
 
+// Two threads hitting the same entry of one cache. Every hit writes (the entry's count, the
+// access sequence), so they contend for it whatever the lock.
+std::shared_ptr<ValidationCache> contendedCache;
+
+void CacheHitContended(benchmark::State& state) {
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(
+        contendedCache->getOrCompute("entity:validation", "h", [] { return ValidationResult::valid(); }));
+  }
+}
+BENCHMARK(CacheHitContended)
+    ->Setup([](const benchmark::State&) {
+      contendedCache = ValidationCache::create({1000, 60.0, true});
+      contendedCache->getOrCompute("entity:validation", "h", [] { return ValidationResult::valid(); });
+    })
+    ->Teardown([](const benchmark::State&) { contendedCache.reset(); })
+    ->Threads(2)
+    ->UseRealTime();
+
 // A hit through `validate`, where freshness depends on age alone.
 void CacheHitByAge(benchmark::State& state) {
   auto cache = ValidationCache::create({1000, 60.0, true});
@@ -114,6 +134,23 @@ void SharedLockMapHitBaseline(benchmark::State& state) {
   }
 }
 BENCHMARK(SharedLockMapHitBaseline);
+
+// The same lookup from two threads at once: readers share the lock, and only its count moves.
+std::unordered_map<std::string, ValidationResult, TransparentHash, std::equal_to<>> contendedMap;
+std::shared_mutex contendedMapMutex;
+
+void SharedLockMapHitContendedBaseline(benchmark::State& state) {
+  const std::string_view key = "entity:validation";
+  for (auto _ : state) {
+    std::shared_lock lock(contendedMapMutex);
+    benchmark::DoNotOptimize(ValidationResult(contendedMap.find(key)->second));
+  }
+}
+BENCHMARK(SharedLockMapHitContendedBaseline)
+    ->Setup([](const benchmark::State&) { contendedMap.emplace("entity:validation", ValidationResult::valid()); })
+    ->Teardown([](const benchmark::State&) { contendedMap.clear(); })
+    ->Threads(2)
+    ->UseRealTime();
 
 // A bare least-recently-used map: insert, and past the bound erase the oldest key.
 void MapMissWithEvictionBaseline(benchmark::State& state) {

@@ -4,6 +4,7 @@
 
 #include "corvane/version.hpp"
 
+#include "corvane/support/adaptive_mutex.hpp"
 #include "corvane/support/describe.hpp"
 #include "corvane/support/logging.hpp"
 #include "corvane/support/main_executor.hpp"

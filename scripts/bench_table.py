@@ -15,6 +15,7 @@ BASELINES = {
     "TrackedWriteObserved": ["TrackedWriteUnobserved"],
     "CacheHit": ["SharedLockMapHitBaseline"],
     "CacheHitByAge": ["SharedLockMapHitBaseline"],
+    "CacheHitContended/real_time/threads:2": ["SharedLockMapHitContendedBaseline/real_time/threads:2"],
     "CacheMissWithEviction/1000": ["MapMissWithEvictionBaseline/1000"],
     "CacheMissWithEviction/100000": ["MapMissWithEvictionBaseline/100000"],
     "BM_CheckFolder": ["BM_ReadAndCountBaseline"],
@@ -29,7 +30,8 @@ BASELINES = {
 }
 IS_BASELINE = {"utf8procLoop/ascii", "utf8procLoop/mixed", "icuBreakIterator/ascii", "icuBreakIterator/mixed",
                "byteScanBaseline/ascii", "asciiTrimBaseline", "PlainValueAndVerdictBaseline",
-               "SharedLockMapHitBaseline", "MapMissWithEvictionBaseline/1000", "MapMissWithEvictionBaseline/100000",
+               "SharedLockMapHitBaseline", "SharedLockMapHitContendedBaseline/real_time/threads:2",
+               "MapMissWithEvictionBaseline/1000", "MapMissWithEvictionBaseline/100000",
                "BM_ReadAndCountBaseline", "TrackerRegisterQueryUnregister/1000", "BM_KeystrokeInPlainTextAreaBaseline",
                "BM_ReadAndCountFortyLocalesBaseline", "BM_StudioStartsWithoutFolderBaseline/manual_time",
                "PlainSaveLoopBaseline/1000", "PlainSaveLoopBaseline/10000", "PlainSaveLoopBaseline/100000"}

@@ -12,7 +12,6 @@
 #include <ctime>
 #include <limits>
 #include <mutex>
-#include <thread>
 #include <vector>
 
 namespace corvane {
@@ -51,9 +50,6 @@ constexpr unsigned kMisses = 4;
 // Children per node of the recency heap: half the depth of a binary heap, and a node's
 // children share a cache line.
 constexpr std::size_t kRecencyArity = 4;
-
-// What an entry's sequence word holds while a hit updates the entry: no sequence reaches it.
-constexpr std::uint64_t kHitInProgress = std::uint64_t{1} << 63;
 
 // The computations running on this thread, innermost first. A computation that calls back
 // into its own cache runs under the lock that its lookup already holds.
@@ -123,43 +119,12 @@ ValidationCache::~ValidationCache() = default;
 __attribute__((always_inline)) inline ValidationResult ValidationCache::lookup(
     std::string_view key, const std::string_view* dependencyHash, const std::function<ValidationResult()>& compute,
     bool evict) {
-  if (computingOnThisThread(key)) return lookupExclusively(key, dependencyHash, compute, evict, nullptr);
-  // A hit is served under the shared lock, the verdict copied straight into the result.
-  Probe probe;
-  {
-    std::shared_lock lock(mutex_);
-    probe = {cache_.find(key), mutations_};
-    if (probe.found != cache_.end() && servable(probe.found->second, dependencyHash)) {
-      return recordHit(probe.found->second);
-    }
-  }
-  return lookupExclusively(key, dependencyHash, compute, evict, &probe);
-}
-
-ValidationResult ValidationCache::getOrCompute(std::string_view key, std::string_view dependencyHash,
-                                               const std::function<ValidationResult()>& compute) {
-  return lookup(key, &dependencyHash, compute, true);
-}
-
-ValidationResult ValidationCache::validateByAge(std::string_view key,
-                                                const std::function<ValidationResult()>& compute) {
-  return lookup(key, nullptr, compute, false);
-}
-
-// A nested lookup (without a probe) runs under the exclusive lock that its computation's
-// lookup holds.
-ValidationResult ValidationCache::lookupExclusively(std::string_view key, const std::string_view* dependencyHash,
-                                                    const std::function<ValidationResult()>& compute, bool evict,
-                                                    const Probe* probe) {
-  std::unique_lock<std::shared_mutex> lock;
-  if (probe) lock = std::unique_lock(mutex_);
-  // Unless the entries changed since the shared lock was let go, what it found still holds
-  // (and was not servable: time only moves on).
-  auto found = probe ? probe->found : cache_.end();
-  if (!probe || probe->mutations != mutations_) {
-    found = cache_.find(key);
-    if (found != cache_.end() && servable(found->second, dependencyHash)) return recordHit(found->second);
-  }
+  // Inside one of this cache's computations the lock is already held (see `lock`); while
+  // no computation runs anywhere, no lookup is nested.
+  std::optional<std::lock_guard<detail::AdaptiveMutex>> held;
+  if (runningComputations_.load(std::memory_order_relaxed) == 0 || !computingOnThisThread(key)) held.emplace(mutex_);
+  auto found = cache_.find(key);
+  if (found != cache_.end() && servable(found->second, dependencyHash)) return recordHit(found->second);
 
   const auto steady = steadyNow();
   const auto wall = wallNow();
@@ -168,7 +133,7 @@ ValidationResult ValidationCache::lookupExclusively(std::string_view key, const 
   // The computation may have used the cache itself and replaced or removed this entry.
   if (mutations_ != mutationsBefore) found = cache_.find(key);
   ++mutations_;
-  const auto sequence = nextStoreSequence();
+  const auto sequence = nextSequence();
   if (found != cache_.end()) {
     // Its slot keeps the smaller sequence, which eviction tells apart from the entry's own.
     // Copied first, so that running out of memory leaves the entry as it was.
@@ -180,7 +145,7 @@ ValidationResult ValidationCache::lookupExclusively(std::string_view key, const 
     node.timestamp = wall;
     node.storedAt = steady;
     node.accessCount = 1;
-    node.lastAccess.store(static_cast<std::uint64_t>(sequence), std::memory_order_relaxed);
+    node.lastAccess = sequence;
   } else {
     // Room for the slot first, so that nothing can fail between the map and the heap.
     reserveSlot();
@@ -199,6 +164,16 @@ ValidationResult ValidationCache::lookupExclusively(std::string_view key, const 
   }
   publishSize();
   return result;
+}
+
+ValidationResult ValidationCache::getOrCompute(std::string_view key, std::string_view dependencyHash,
+                                               const std::function<ValidationResult()>& compute) {
+  return lookup(key, &dependencyHash, compute, true);
+}
+
+ValidationResult ValidationCache::validateByAge(std::string_view key,
+                                                const std::function<ValidationResult()>& compute) {
+  return lookup(key, nullptr, compute, false);
 }
 
 ValidationResult ValidationCache::computeCounted(std::string_view key,
@@ -227,24 +202,14 @@ inline bool ValidationCache::servable(const Node& node, const std::string_view* 
   return isFresh(node, steadyNow()) && (!dependencyHash || node.dependencyHash == *dependencyHash);
 }
 
-// Runs under the shared lock, beside other hits: the hit's ticket counts it and, with the
-// stores so far (which wait for the exclusive lock), gives its sequence. A hit holds the
-// entry's sequence word at `kHitInProgress` while it updates the count, and the entry keeps
-// the largest sequence its hits drew, which is the one of its last access.
-// Kept inline: a hit costs a few tens of nanoseconds, and a call is a good part of that.
+// Under the lock, so the bookkeeping is plain reads and writes.
 __attribute__((always_inline)) inline const ValidationResult& ValidationCache::recordHit(Node& node) {
-  const auto ticket = hitTickets_.fetch_add(1);
-  if (ticket == std::numeric_limits<std::int64_t>::max()) detail::preconditionFailure("integer overflow in addition");
-  const auto sequence = static_cast<std::uint64_t>(checkedAdd<std::int64_t>(ticket + 1, storeSequences_));
-  std::uint64_t last;
-  while ((last = node.lastAccess.exchange(kHitInProgress, std::memory_order_acquire)) == kHitInProgress) {
-    while (node.lastAccess.load(std::memory_order_relaxed) == kHitInProgress) std::this_thread::yield();
-  }
   node.accessCount = checkedAdd<std::int64_t>(node.accessCount, 1);
-  node.lastAccess.store(std::max(last, sequence), std::memory_order_release);
-  // The ticket counted the hit first: an observer that arrives now reads the new count.
-  if (configuration_.enableStatistics && observationRegistrar().mayBeObserved()) {
-    announceCounters(kRequests | kHits);
+  node.lastAccess = nextSequence();
+  if (configuration_.enableStatistics) {
+    count(hits_);
+    // The hit was counted first: an observer that arrives now reads the new count.
+    if (observationRegistrar().mayBeObserved()) announceCounters(kRequests | kHits);
   }
   return node.result;
 }
@@ -271,8 +236,7 @@ bool ValidationCache::computingOnThisThread() const noexcept {
 }
 
 // Also checks that no computation on this thread asks for its own key.
-inline bool ValidationCache::computingOnThisThread(std::string_view key) const {
-  if (runningComputations_.load(std::memory_order_relaxed) == 0) return false;
+bool ValidationCache::computingOnThisThread(std::string_view key) const {
   bool nested = false;
   for (const auto* running = RunningComputation::innermostComputation; running; running = running->enclosing) {
     if (running->cache != this) continue;
@@ -283,28 +247,19 @@ inline bool ValidationCache::computingOnThisThread(std::string_view key) const {
   return nested;
 }
 
-// Inside one of its computations this thread already holds the cache exclusively; taking
-// the lock again would deadlock, and the computation's own lookup waits for it anyway.
-std::unique_lock<std::shared_mutex> ValidationCache::lockExclusive() const {
+// Inside one of its computations this thread already holds the cache; taking the lock
+// again would deadlock, and the computation's own lookup waits for it anyway.
+std::unique_lock<detail::AdaptiveMutex> ValidationCache::lock() const {
   if (computingOnThisThread()) return {};
   return std::unique_lock(mutex_);
 }
 
-std::shared_lock<std::shared_mutex> ValidationCache::lockShared() const {
-  if (computingOnThisThread()) return {};
-  return std::shared_lock(mutex_);
-}
+inline void ValidationCache::count(std::int64_t& counter) { counter = checkedAdd<std::int64_t>(counter, 1); }
 
-inline void ValidationCache::count(std::atomic<std::int64_t>& counter) {
-  if (counter.fetch_add(1) == std::numeric_limits<std::int64_t>::max()) {
-    detail::preconditionFailure("integer overflow in addition");
-  }
-}
-
-// A store's sequence, under the exclusive lock: no hit draws a ticket meanwhile.
-std::int64_t ValidationCache::nextStoreSequence() {
-  storeSequences_ = checkedAdd<std::int64_t>(storeSequences_, 1);
-  return checkedAdd(hitTickets_.load(), storeSequences_);
+// The access sequence counts every hit and store, under the lock.
+std::int64_t ValidationCache::nextSequence() {
+  accessSequence_ = checkedAdd<std::int64_t>(accessSequence_, 1);
+  return accessSequence_;
 }
 
 std::size_t ValidationCache::bound() const {
@@ -379,7 +334,7 @@ void ValidationCache::erase(Map::iterator position) {
 void ValidationCache::evictExcess() {
   while (cache_.size() > bound()) {
     RecencySlot& top = recency_.front();
-    const auto current = static_cast<std::int64_t>(top.entry->second.lastAccess.load(std::memory_order_relaxed));
+    const auto current = top.entry->second.lastAccess;
     if (current != top.sequence) {
       top.sequence = current;
       siftDown(0);
@@ -391,7 +346,7 @@ void ValidationCache::evictExcess() {
 
 void ValidationCache::invalidate(std::string_view key) {
   {
-    auto lock = lockExclusive();
+    auto held = lock();
     if (auto found = cache_.find(key); found != cache_.end()) erase(found);
     entryCount_.store(static_cast<std::int64_t>(cache_.size()));
   }
@@ -400,7 +355,7 @@ void ValidationCache::invalidate(std::string_view key) {
 
 void ValidationCache::invalidatePrefix(std::string_view prefix) {
   {
-    auto lock = lockExclusive();
+    auto held = lock();
     for (auto position = cache_.begin(); position != cache_.end();) {
       auto next = std::next(position);
       if (std::string_view(position->first).starts_with(prefix)) erase(position);
@@ -413,7 +368,7 @@ void ValidationCache::invalidatePrefix(std::string_view prefix) {
 
 void ValidationCache::clear() {
   {
-    auto lock = lockExclusive();
+    auto held = lock();
     ++mutations_;
     cache_.clear();
     recency_.clear();
@@ -423,9 +378,12 @@ void ValidationCache::clear() {
     postToMain([weak = weak_from_this()] {
       auto self = weak.lock();
       if (!self) return;
-      self->computedRequests_.store(0);
-      self->hitsBeforeReset_.store(self->hitTickets_.load());
-      self->cacheMisses_.store(0);
+      {
+        auto held = self->lock();
+        self->computedRequests_ = 0;
+        self->hits_ = 0;
+        self->cacheMisses_ = 0;
+      }
       self->announce({"totalRequests", "cacheHits", "cacheMisses"});
     });
   }
@@ -433,27 +391,23 @@ void ValidationCache::clear() {
 }
 
 ValidationCache::Statistics ValidationCache::getStatistics() const {
-  auto lock = lockShared();
+  auto held = lock();
   const auto entries = static_cast<std::int64_t>(cache_.size());
-  // Misses are counted after their requests: read first, they never exceed them.
-  const auto misses = cacheMisses_.load();
-  const auto hits = countedHits();
-  return Statistics(checkedAdd(hits, computedRequests_.load()), hits, misses, entries,
+  return Statistics(checkedAdd(hits_, computedRequests_), hits_, cacheMisses_, entries,
                     checkedMultiply(entries, kBytesPerEntry));
 }
 
 std::optional<ValidationCache::CacheEntry> ValidationCache::entry(std::string_view key) const {
-  auto lock = lockExclusive();
+  auto held = lock();
   auto found = cache_.find(key);
   if (found == cache_.end()) return std::nullopt;
   const Node& node = found->second;
-  return CacheEntry{node.result, node.timestamp, node.dependencyHash, node.accessCount,
-                    static_cast<std::int64_t>(node.lastAccess.load(std::memory_order_relaxed))};
+  return CacheEntry{node.result, node.timestamp, node.dependencyHash, node.accessCount, node.lastAccess};
 }
 
 void ValidationCache::cleanUp() {
   {
-    auto lock = lockExclusive();
+    auto held = lock();
     const auto now = steadyNow();
     for (auto position = cache_.begin(); position != cache_.end();) {
       auto next = std::next(position);
@@ -509,27 +463,25 @@ void ValidationCache::publishSize() {
   });
 }
 
-// The tickets drawn since the last reset, which is read first so that a reset in between
-// cannot make the count negative.
-std::int64_t ValidationCache::countedHits() const {
-  if (!configuration_.enableStatistics) return 0;
-  const auto before = hitsBeforeReset_.load();
-  return hitTickets_.load() - before;
-}
-
+// The counters are read under the lock after the access is recorded: a lookup counts and
+// asks whether anyone observes under the same lock, so a reader that starts observing
+// either reads its count or is announced to.
 std::int64_t ValidationCache::totalRequests() const {
   observationRegistrar().access("totalRequests");
-  return checkedAdd(countedHits(), computedRequests_.load());
+  auto held = lock();
+  return checkedAdd(hits_, computedRequests_);
 }
 
 std::int64_t ValidationCache::cacheHits() const {
   observationRegistrar().access("cacheHits");
-  return countedHits();
+  auto held = lock();
+  return hits_;
 }
 
 std::int64_t ValidationCache::cacheMisses() const {
   observationRegistrar().access("cacheMisses");
-  return cacheMisses_.load();
+  auto held = lock();
+  return cacheMisses_;
 }
 
 std::int64_t ValidationCache::cacheSize() const {

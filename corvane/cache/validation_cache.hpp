@@ -2,6 +2,7 @@
 
 #include "corvane/observation/observation_registrar.hpp"
 #include "corvane/results/validation_result.hpp"
+#include "corvane/support/adaptive_mutex.hpp"
 
 #include <atomic>
 #include <chrono>
@@ -11,7 +12,6 @@
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <shared_mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -24,9 +24,8 @@ namespace corvane {
 /// The least recently used entries are evicted beyond `maxSize`, a clean-up removes expired
 /// entries every 30 seconds, and hit and miss counts are kept for observers.
 ///
-/// Every operation may be called from any thread. Hits hold the cache shared, so that
-/// threads are served side by side; a miss runs `compute` while holding the cache
-/// exclusively. `compute` may call back into the same cache on the same thread (the call is
+/// Every operation may be called from any thread and holds the cache's lock; a miss runs
+/// `compute` while holding it. `compute` may call back into the same cache on the same thread (the call is
 /// served under the lock already held), but not for the key being computed, which is a
 /// fatal precondition failure, and it must not wait for another thread that uses this
 /// cache. The published size and memory figures are updated later on the main executor
@@ -166,9 +165,7 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
 
  private:
   class CleanupTimer;
-  // `storedAt` is the steady time of the last store: ages are measured from it. The access
-  // count and sequence change under the shared lock of a hit, everything else only under
-  // the exclusive lock.
+  // `storedAt` is the steady time of the last store: ages are measured from it.
   struct Node {
     Node(const ValidationResult& result_, std::chrono::system_clock::time_point timestamp_,
          std::chrono::steady_clock::time_point storedAt_, std::string_view dependencyHash_, std::int64_t sequence)
@@ -176,16 +173,15 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
           timestamp(timestamp_),
           storedAt(storedAt_),
           dependencyHash(dependencyHash_),
-          lastAccess(static_cast<std::uint64_t>(sequence)) {}
+          lastAccess(sequence) {}
 
     ValidationResult result;
     std::chrono::system_clock::time_point timestamp;
     std::chrono::steady_clock::time_point storedAt;
     std::string dependencyHash;
-    // The last access sequence, or a mark that no sequence reaches while a hit updates the
-    // count and sequence (see `recordHit`).
     std::int64_t accessCount = 1;
-    std::atomic<std::uint64_t> lastAccess;
+    // The access sequence of the last store or hit.
+    std::int64_t lastAccess;
     // Where this entry's slot is in `recency_`.
     std::size_t recencyIndex = 0;
   };
@@ -206,13 +202,6 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   ValidationResult validateByAge(std::string_view key, const std::function<ValidationResult()>& compute);
   ValidationResult lookup(std::string_view key, const std::string_view* dependencyHash,
                           const std::function<ValidationResult()>& compute, bool evict);
-  // What a lookup found under the shared lock, and when.
-  struct Probe {
-    Map::iterator found;
-    std::uint64_t mutations = 0;
-  };
-  ValidationResult lookupExclusively(std::string_view key, const std::string_view* dependencyHash,
-                                     const std::function<ValidationResult()>& compute, bool evict, const Probe* probe);
   ValidationResult computeCounted(std::string_view key, const std::function<ValidationResult()>& compute);
   bool servable(const Node& node, const std::string_view* dependencyHash) const;
   const ValidationResult& recordHit(Node& node);
@@ -221,14 +210,12 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   std::chrono::system_clock::time_point wallNow() const;
   std::chrono::steady_clock::time_point steadyNow() const;
   bool computingOnThisThread() const noexcept;
-  std::unique_lock<std::shared_mutex> lockExclusive() const;
-  std::shared_lock<std::shared_mutex> lockShared() const;
-  static void count(std::atomic<std::int64_t>& counter);
+  std::unique_lock<detail::AdaptiveMutex> lock() const;
+  static void count(std::int64_t& counter);
   bool computingOnThisThread(std::string_view key) const;
   void erase(Map::iterator position);
   void evictExcess();
-  std::int64_t nextStoreSequence();
-  std::int64_t countedHits() const;
+  std::int64_t nextSequence();
   std::size_t bound() const;
   void reserveSlot();
   void placeSlot(std::size_t index, RecencySlot slot);
@@ -245,28 +232,30 @@ class ValidationCache : public Observable, public std::enable_shared_from_this<V
   const bool realWallClock_;
   const bool realSteadyClock_;
 
-  mutable std::shared_mutex mutex_;
+  // One lock for everything: every hit writes (the access sequence, the entry's count), so
+  // a shared lock would save nothing and cost two atomic updates per hit. Threads that hit
+  // at once wait for a few dozen nanoseconds, which spinning bridges better than sleeping.
+  mutable detail::AdaptiveMutex mutex_;
   Map cache_;
   // A min-heap of one slot per entry, by slot sequence, four children a node. Hits leave it
-  // alone; eviction, under the exclusive lock, re-places a top slot whose entry was used
-  // since, until the top entry is truly the least recently used one.
+  // alone; eviction re-places a top slot whose entry was used since, until the top entry is
+  // truly the least recently used one.
   std::vector<RecencySlot> recency_;
-  // Stores and removals so far, so that a lookup knows whether what it found still holds.
+  // Stores and removals so far, so that a miss knows whether its computation changed the
+  // entries.
   std::uint64_t mutations_ = 0;
-  // The access sequence is the hits served plus the stores made: a hit draws a ticket, and
-  // stores, which hold the exclusive lock, are counted apart. The hit count is the tickets
-  // drawn since the last counter reset.
-  std::atomic<std::int64_t> hitTickets_{0};
-  std::int64_t storeSequences_ = 0;
-  std::atomic<std::int64_t> hitsBeforeReset_{0};
+  // Hits and stores so far; never reset.
+  std::int64_t accessSequence_ = 0;
 
   // Computations of this cache running on any thread: while there are none, no lookup is
   // nested, and the thread's chain of computations need not be walked.
   std::atomic<int> runningComputations_{0};
 
-  // The requests that did not hit at once; `totalRequests` adds the hits to them.
-  std::atomic<std::int64_t> computedRequests_{0};
-  std::atomic<std::int64_t> cacheMisses_{0};
+  // The counters, under the lock (counted only with statistics enabled). The requests that
+  // did not hit at once; `totalRequests` adds the hits to them.
+  std::int64_t hits_ = 0;
+  std::int64_t computedRequests_ = 0;
+  std::int64_t cacheMisses_ = 0;
   std::atomic<std::int64_t> cacheSize_{0};
   std::atomic<std::int64_t> memoryUsage_{0};
   // Counters changed since the last announcement was queued (bits of kRequests, kHits, kMisses).

@@ -75,10 +75,10 @@ TEST(ValidationCacheConcurrency, MixedOperationsKeepTheCountsConsistent) {
   EXPECT_EQ(cache->cacheSize(), cache->getStatistics().cacheSize);
 }
 
-// Hits share the lock, also on the same entries, yet every count and sequence stays exact:
+// Hits from several threads, also on the same entries, keep every count and sequence exact:
 // each entry is counted once per hit, holds the largest sequence drawn for it, no two
 // entries hold the same one, and the next stores evict exactly the least recently used.
-TEST(ValidationCacheConcurrency, HitsSideBySideKeepCountsSequencesAndEvictionExact) {
+TEST(ValidationCacheConcurrency, HitsFromManyThreadsKeepCountsSequencesAndEvictionExact) {
   testing::TestMainLoop loop;
   constexpr int kEntries = 32;
   constexpr int kThreads = 4;
