@@ -375,7 +375,10 @@ boost::asio::awaitable<void> UnifiedChangeTracker::submitAllGuarded(SubmitGuard)
   // while it is still in the cache. As there, verdicts are read (reading one may print) in
   // registration order and only once something has changed.
   const auto& all = entities();
+  // At once for every entity: growing step by step, a large list is copied and, with the
+  // allocator handing out fresh pages each time, faulted in again several times.
   std::vector<EntityPtr> changed;
+  changed.reserve(all.size());
   std::vector<std::string> errors;
   auto unread = all.begin();
   auto readVerdictsUpTo = [&](std::list<Registration>::const_iterator end) {
