@@ -25,10 +25,10 @@ namespace corvane {
 /// entries every 30 seconds, and hit and miss counts are kept for observers.
 ///
 /// Every operation may be called from any thread and holds the cache's lock; a miss runs
-/// `compute` while holding it. `compute` may call back into the same cache on the same thread (the call is
-/// served under the lock already held), but not for the key being computed, which is a
-/// fatal precondition failure, and it must not wait for another thread that uses this
-/// cache. The published size and memory figures are updated later on the main executor
+/// `compute` while holding it. `compute` may call back into the same cache on the same
+/// thread (the call is served under the lock already held), but not for the key being
+/// computed, which is a fatal precondition failure, and it must not wait for another
+/// thread that uses this cache. The published size and memory figures are updated later on the main executor
 /// when the number of entries changed, by at most one pending publication, which carries
 /// the number at the time it runs; `getStatistics()` reads the entries directly.
 ///
