@@ -83,6 +83,9 @@ CharClass classify(std::int32_t codePoint, const utf8proc_property_t& property) 
     case UTF8PROC_CATEGORY_NL:
     case UTF8PROC_CATEGORY_NO:
     case UTF8PROC_CATEGORY_PC:
+      // The scripts before Thai (Latin, Greek, Cyrillic, Hebrew, Arabic, Indic) all space their
+      // words, so their letters skip the range tests below.
+      if (codePoint < 0x0E00) return CharClass::letter;
       if (isWrittenWithoutSpaces(codePoint)) return CharClass::alone;
       return isHangul(codePoint) ? CharClass::hangul : CharClass::letter;
     case UTF8PROC_CATEGORY_MN:
@@ -566,14 +569,21 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(std::string_view text) const {
 std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const {
   std::vector<PhraseMatch> matches;
   if (phrases_.empty()) return matches;
-  const auto& list = text.tokens_;
+  // Read through locals: the compiler cannot tell that adding a match leaves the tokens be,
+  // and would load them afresh for every token otherwise.
+  const TokenizedText::Token* const tokens = text.tokens_.data();
+  const std::size_t count = text.tokens_.size();
+  const char* const textBase = text.text_.data();
+  const char* const keysBase = text.keys_.data();
 
   // The longest phrase that matches from token `first` on: its token count (0 when none
   // matches) and index.
   const auto longestAt = [&](std::size_t first) {
     std::pair<std::size_t, std::size_t> best{0, 0};
-    if (list[first].inLink) return best;
-    const auto key = text.key(list[first]);
+    const auto& token = tokens[first];
+    if (token.inLink) return best;
+    const std::string_view key((token.keyInText ? textBase : keysBase) + token.keyBegin,
+                               std::size_t{token.keyEnd} - token.keyBegin);
     const auto [word, bit] = filterBit(key);
     if ((firstTokenBits_[word] & bit) == 0) return best;
     for (auto index = firstPhrase_[slotOf(key, hashKey(key))]; index != kNone; index = phrases_[index].next) {
@@ -583,14 +593,14 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const
     return best;
   };
 
-  for (std::size_t first = 0; first < list.size();) {
+  for (std::size_t first = 0; first < count;) {
     const auto [length, phrase] = longestAt(first);
     if (length == 0) {
       ++first;
       continue;
     }
-    const auto& last = list[first + length - 1];
-    matches.push_back({list[first].offset, std::size_t{last.offset} + last.length - list[first].offset, phrase});
+    const auto& last = tokens[first + length - 1];
+    matches.push_back({tokens[first].offset, std::size_t{last.offset} + last.length - tokens[first].offset, phrase});
     first += length;
   }
   return matches;
