@@ -39,6 +39,17 @@ void requireInside(const fs::path& path, const fs::path& canonicalRoot) {
   }
 }
 
+// `folder / relative` for a relative `relative`, made from one string: appending to a copy
+// of `folder` would copy and split its parts again, for every file read.
+fs::path joined(const fs::path& folder, std::string_view relative) {
+  std::string path;
+  path.reserve(folder.native().size() + 1 + relative.size());
+  path = folder.native();
+  if (!path.empty() && path.back() != '/') path += '/';
+  path += relative;
+  return fs::path(std::move(path));
+}
+
 // An open file, closed when the handle goes.
 class FileHandle {
  public:
@@ -77,24 +88,29 @@ class Reader {
     return handle;
   }
 
-  // Reads `relative` in `folder`, which `directory` holds open (see openFolder).
-  ListingText read(const FileHandle& directory, const fs::path& folder, std::string_view relative,
-                   const std::string& file, bool parentIsLink) {
-    ListingText result{
-        .text = std::nullopt, .frame = {}, .path = folder / relative, .file = file, .source = TextSource::none};
+  // Reads `relative` in `folder`, which `directory` holds open (see openFolder); `file` names
+  // it for the listing.
+  ListingText read(const FileHandle& directory, const fs::path& folder, std::string_view relative, std::string file,
+                   bool parentIsLink) {
+    ListingText result{.text = std::nullopt,
+                       .frame = {},
+                       .path = joined(folder, relative),
+                       .file = std::move(file),
+                       .source = TextSource::none};
     const fs::path& path = result.path;
-    // Opened relative to the open folder, so that only the file's own name is looked up;
-    // without following a final link, so that one open answers most files (a link is
-    // followed only once it is known to stay inside the root); non-blocking, so that a
-    // named pipe is refused rather than waited on.
-    const std::string name(relative);
+    // Opened relative to the open folder, so that only the file's own name is looked up
+    // (the path ends in it, so it needs no string of its own); without following a final
+    // link, so that one open answers most files (a link is followed only once it is known
+    // to stay inside the root); non-blocking, so that a named pipe is refused rather than
+    // waited on.
+    const char* const name = path.c_str() + (path.native().size() - relative.size());
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-    FileHandle handle(::openat(directory.get(), name.c_str(), kFlags | O_NOFOLLOW));
+    FileHandle handle(::openat(directory.get(), name, kFlags | O_NOFOLLOW));
     if (!handle) {
       if (errno == ENOENT || errno == ENOTDIR) return result;
       if (errno != ELOOP) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
       requireInside(path, canonicalRoot_);
-      handle = FileHandle(::openat(directory.get(), name.c_str(), kFlags));
+      handle = FileHandle(::openat(directory.get(), name, kFlags));
       if (!handle) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
     } else if (parentIsLink) {
       requireInside(path, canonicalRoot_);
@@ -171,14 +187,18 @@ void readLocale(Reader& reader, const std::string& name, const fs::path& folder,
   locale.locale = name;
   locale.folder = folder;
   for (const auto field : fields) {
-    std::string relative(fieldFile(field));
+    std::string_view relative = fieldFile(field);
+    std::optional<std::string> newest;
     if (field == ListingField::changelog) {
-      auto newest = newestChangelog(folder);
+      newest = newestChangelog(folder);
       if (!newest) continue;  // nothing to read; the text stays empty with no file
-      relative = std::move(*newest);
+      relative = *newest;
     }
     const bool inLinkedFolder = relative.starts_with("changelogs/") && reader.checkLink(folder / "changelogs");
-    locale.text(field) = reader.read(directory, folder, relative, name + "/" + relative, isLink || inLinkedFolder);
+    std::string file;
+    file.reserve(name.size() + 1 + relative.size());
+    file.append(name).append(1, '/').append(relative);
+    locale.text(field) = reader.read(directory, folder, relative, std::move(file), isLink || inLinkedFolder);
   }
 }
 
