@@ -79,6 +79,13 @@ ActionGuidance autoFix(std::string title, std::string description, Action altern
 bool hasSpaceOrControl(std::string_view address) {
   const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(address.data());
   for (std::size_t at = 0; at < address.size();) {
+    // In ASCII, which addresses mostly are, white space and control characters are the
+    // bytes up to ' ' and DEL.
+    if (bytes[at] < 0x80) {
+      if (bytes[at] <= ' ' || bytes[at] == 0x7F) return true;
+      ++at;
+      continue;
+    }
     utf8proc_int32_t codePoint = 0;
     const auto length = utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(address.size() - at), &codePoint);
     if (length <= 0) return true;  // not UTF-8: the reader refuses such files before rules run
@@ -530,14 +537,17 @@ void ListingRules::judgeKeywords(std::string_view text, const std::string& file,
                                  std::vector<ListingFinding>& out) const {
   constexpr auto field = ListingField::keywords;
   if (const auto level = levelOf("keywords.duplicate")) {
+    const auto keywords = splitKeywords(text);
     std::vector<std::string> seen;
-    const std::string fixed = withoutDuplicateKeywords(text);
-    for (const auto& keyword : splitKeywords(text)) {
+    seen.reserve(keywords.size());
+    std::optional<std::string> fixed;  // made for the first repeat: most lists have none
+    for (const auto& keyword : keywords) {
       std::string lower = lowercased(keyword.text);
       if (std::ranges::find(seen, lower) == seen.end()) {
         seen.push_back(std::move(lower));
         continue;
       }
+      if (!fixed) fixed = withoutDuplicateKeywords(text);
       const std::string quoted = fmt::format("'{}'", keyword.text);
       out.push_back(
           finding("keywords.duplicate", *level, field, file, positionAt(text, keyword.offset),
