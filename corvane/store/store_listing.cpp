@@ -760,6 +760,7 @@ std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
                                                     const std::vector<ListingFinding>& findings) const {
   std::vector<CompletionItem> items;
   const bool isSharedEntity = &entity == shared_.get();
+  items.reserve(entity.fields().size() + (isSharedEntity ? folderFindings_.size() : 0));
   for (const auto field : entity.fields()) {
     const auto& about = facts_.field(field);
     const bool empty = trimmed(entity.text(field)).empty();
