@@ -389,18 +389,19 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
   const auto keysSize = [&] { return static_cast<std::uint32_t>(keys.size()); };
   const Byte* p = begin;
   while (p != end) {
-    const auto offset = static_cast<std::uint32_t>(p - begin);
     // Most text is ASCII: white space and whole words are taken here at once, and only the
-    // rest is decoded character by character below.
+    // rest is decoded character by character below. What follows white space is looked at
+    // straight away, as it is mostly a word.
     if (*p < 0x80 && kAsciiClasses[*p] == CharClass::space) {
-      endRun(offset);
+      endRun(static_cast<std::size_t>(p - begin));
       do {
         ++p;
       } while (p != end && *p < 0x80 && kAsciiClasses[*p] == CharClass::space);
       spaceBefore = true;
       previous = CharClass::space;
-      continue;
+      if (p == end) break;
     }
+    const auto offset = static_cast<std::uint32_t>(p - begin);
     if (kWordBytes[*p] != 0) {
       const auto [wordEnd, upperCase] = asciiWordEnd(p, end);
       startRun(offset);
