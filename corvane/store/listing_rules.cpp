@@ -607,6 +607,7 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
   thread_local TokenizedText words;
   matcher.clear();
   std::vector<std::size_t> spanOf;  // phrase index -> keyword
+  spanOf.reserve(spans.size());
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (matcher.add(spans[i].text)) spanOf.push_back(i);
   }
