@@ -88,6 +88,14 @@ class Reader {
     return handle;
   }
 
+  // Opens `folder`, the folder `name` in the one `parent` holds open, as openFolder does:
+  // looked up from there, only its own name is walked rather than the whole path.
+  FileHandle openFolder(const FileHandle& parent, const std::string& name, const fs::path& folder) const {
+    FileHandle handle(::openat(parent.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!handle) throw InputError(folder.string() + ": cannot open folder: " + std::strerror(errno));
+    return handle;
+  }
+
   // Reads `relative` in `folder`, which `directory` holds open (see openFolder); `file` names
   // it for the listing.
   ListingText read(const FileHandle& directory, const fs::path& folder, std::string_view relative, std::string file,
@@ -178,12 +186,13 @@ std::optional<std::string> newestChangelog(const fs::path& folder) {
   return "changelogs/" + newest->second;
 }
 
-// Reads a locale folder into `locale`; `isLink` says whether it is reached through a
-// (checked) link. Filled in place: a LocaleFolder holds a text for every field of every
-// store, and moving one costs as much as filling it.
-void readLocale(Reader& reader, const std::string& name, const fs::path& folder, std::span<const ListingField> fields,
-                bool isLink, LocaleFolder& locale) {
-  const FileHandle directory = reader.openFolder(folder);
+// Reads the locale folder `name` of the root, which `root` holds open, into `locale`;
+// `isLink` says whether it is reached through a (checked) link. Filled in place: a
+// LocaleFolder holds a text for every field of every store, and moving one costs as much
+// as filling it.
+void readLocale(Reader& reader, const FileHandle& root, const std::string& name, const fs::path& folder,
+                std::span<const ListingField> fields, bool isLink, LocaleFolder& locale) {
+  const FileHandle directory = reader.openFolder(root, name, folder);
   locale.locale = name;
   locale.folder = folder;
   for (const auto field : fields) {
@@ -270,15 +279,16 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
     throw InputError(message);
   }
 
+  const FileHandle rootFolder = reader.openFolder(root);
   std::optional<LocaleFolder> defaults;
   if (facts.hasDefaultFolder() && fs::is_directory(root / "default", error)) {
-    readLocale(reader, "default", root / "default", facts.localeFields(), reader.checkLink(root / "default"),
-               defaults.emplace());
+    readLocale(reader, rootFolder, "default", root / "default", facts.localeFields(),
+               reader.checkLink(root / "default"), defaults.emplace());
   }
   listing.locales.reserve(localeNames.size());
   for (const auto& [name, isLink] : localeNames) {
     LocaleFolder& locale = listing.locales.emplace_back();
-    readLocale(reader, name, root / name, facts.localeFields(), isLink, locale);
+    readLocale(reader, rootFolder, name, root / name, facts.localeFields(), isLink, locale);
     const bool anyFile = std::ranges::any_of(locale.texts, [](const ListingText& t) { return t.text.has_value(); });
     if (!anyFile && !defaults) {
       throw InputError(locale.folder.string() + ": locale folder holds none of the metadata files");
@@ -296,7 +306,6 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   listing.defaults = std::move(defaults);
 
   const bool reviewIsLink = !facts.sharedFields().empty() && reader.checkLink(root / "review_information");
-  const FileHandle rootFolder = reader.openFolder(root);
   for (const auto field : facts.sharedFields()) {
     const std::string_view file = fieldFile(field);
     listing.sharedText(field) =
