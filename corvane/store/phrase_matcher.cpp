@@ -618,11 +618,11 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const
   const auto longestAt = [&](std::size_t first) {
     std::pair<std::size_t, std::size_t> best{0, 0};
     const auto& token = tokens[first];
-    if (token.inLink) return best;
     const std::string_view key((token.keyInText ? textBase : keysBase) + token.keyBegin,
                                std::size_t{token.keyEnd} - token.keyBegin);
     const auto [word, bit] = filterBit(key);
-    if ((firstTokenBits_[word] & bit) == 0) return best;
+    // Words in links are few: they are turned away only once the filter lets them pass.
+    if ((firstTokenBits_[word] & bit) == 0 || token.inLink) return best;
     for (auto index = firstPhrase_[slotOf(key, hashKey(key))]; index != kNone; index = phrases_[index].next) {
       const auto length = phrases_[index].tokenEnd - phrases_[index].tokenBegin;
       if (length > best.first && matchesAt(phrases_[index], text, first)) best = {length, index};
