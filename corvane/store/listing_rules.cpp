@@ -633,7 +633,7 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
 
 void ListingRules::judgeUrl(ListingField field, std::string_view text, const std::string& file,
                             std::vector<ListingFinding>& out) const {
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   const std::string_view address = trimmed(text);
   const bool clean = !hasSpaceOrControl(address);
   // Schemes are case-insensitive; an address needs a host a browser can look up after the
@@ -729,7 +729,7 @@ void ListingRules::judgeCategory(ListingField field, std::string_view text, cons
 void ListingRules::judgeContact(ListingField field, std::string_view text, const std::string& file,
                                 std::vector<ListingFinding>& out) const {
   const std::string_view value = trimmed(text);
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   if (field == ListingField::reviewPhone) {
     if (looksLikePhoneNumber(value)) return;
     if (const auto level = levelOf("review-phone.format")) {
@@ -772,7 +772,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       !levelOf("content.placeholder")) {
     return;
   }
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   // Reused by every call on this thread, so that judging many texts allocates little.
   thread_local TokenizedText tokens;
   tokens.assign(text);
@@ -801,7 +801,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       if (!isAllowed(match)) hits.push_back({match.offset, match.length, "title.claim"});
     }
   }
-  if (levelOf("content.placeholder")) {
+  if (!tokens.links().empty() && levelOf("content.placeholder")) {
     for (const auto& link : tokens.links()) {
       if (facts_.isPlaceholderHost(link.host)) hits.push_back({link.offset, link.length, "content.placeholder"});
     }
@@ -837,7 +837,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
 
 void ListingRules::judgeTitle(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const {
   constexpr auto field = ListingField::title;
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   if (const auto level = levelOf("title.emoji")) {
     struct Hit {
       std::size_t offset;
