@@ -753,7 +753,11 @@ std::string StoreListing::checklistId(const ListingEntity& entity, ListingField 
   // A changelog is named after its version code, which only the file read knows.
   if (&entity == shared_.get()) return std::string(fieldFile(field));
   if (field == ListingField::changelog) return entity.file(field);
-  return entity.scope() + "/" + std::string(fieldFile(field));
+  const std::string_view file = fieldFile(field);
+  std::string id;
+  id.reserve(entity.scope().size() + 1 + file.size());
+  id.append(entity.scope()).append(1, '/').append(file);
+  return id;
 }
 
 std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
