@@ -61,7 +61,12 @@ CheckReport Checker::report() const {
   report.fixes = appliedFixes_;
   report.fixesWritten = fixesWritten_;
   report.removedFiles = removedLeftovers_;
+  // Every field of every locale may have an item: room for all of them, so that the items
+  // are not moved again as the list grows.
   std::vector<CompletionItem> checklist;
+  std::size_t fields = listing_->shared().fields().size() + listing_->folderFindings().size();
+  for (const auto& locale : listing_->locales()) fields += locale->fields().size();
+  checklist.reserve(fields);
   auto fileReport = [&](const store::ListingEntity& entity, std::string name) {
     auto findings = entity.findings();
     auto items = listing_->checklist(entity, findings);
@@ -72,6 +77,7 @@ CheckReport Checker::report() const {
     }
     std::ranges::stable_sort(findings, {}, &store::ListingFinding::level);
     std::vector<FieldText> texts;
+    texts.reserve(entity.fields().size());
     for (const auto field : entity.fields()) {
       texts.push_back(FieldText{.field = field,
                                 .file = entity.file(field),
@@ -83,6 +89,7 @@ CheckReport Checker::report() const {
                         .checklist = std::move(items),
                         .texts = std::move(texts)};
   };
+  report.locales.reserve(listing_->locales().size());
   for (const auto& locale : listing_->locales()) report.locales.push_back(fileReport(*locale, locale->scope()));
   report.shared = fileReport(listing_->shared(), "shared");
   auto guide = AggregateCompletionGuide::create();

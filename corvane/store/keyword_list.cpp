@@ -9,6 +9,7 @@ namespace corvane::store {
 
 std::vector<KeywordSpan> splitKeywords(std::string_view list) {
   std::vector<KeywordSpan> keywords;
+  keywords.reserve(static_cast<std::size_t>(std::ranges::count(list, ',')) + 1);
   std::size_t start = 0;
   while (start <= list.size()) {
     const auto comma = std::min(list.find(',', start), list.size());

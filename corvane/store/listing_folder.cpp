@@ -39,6 +39,17 @@ void requireInside(const fs::path& path, const fs::path& canonicalRoot) {
   }
 }
 
+// `folder / relative` for a relative `relative`, made from one string: appending to a copy
+// of `folder` would copy and split its parts again, for every file read.
+fs::path joined(const fs::path& folder, std::string_view relative) {
+  std::string path;
+  path.reserve(folder.native().size() + 1 + relative.size());
+  path = folder.native();
+  if (!path.empty() && path.back() != '/') path += '/';
+  path += relative;
+  return fs::path(std::move(path));
+}
+
 // An open file, closed when the handle goes.
 class FileHandle {
  public:
@@ -77,24 +88,37 @@ class Reader {
     return handle;
   }
 
-  // Reads `relative` in `folder`, which `directory` holds open (see openFolder).
-  ListingText read(const FileHandle& directory, const fs::path& folder, std::string_view relative,
-                   const std::string& file, bool parentIsLink) {
-    ListingText result{
-        .text = std::nullopt, .frame = {}, .path = folder / relative, .file = file, .source = TextSource::none};
+  // Opens `folder`, the folder `name` in the one `parent` holds open, as openFolder does:
+  // looked up from there, only its own name is walked rather than the whole path.
+  FileHandle openFolder(const FileHandle& parent, const std::string& name, const fs::path& folder) const {
+    FileHandle handle(::openat(parent.get(), name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!handle) throw InputError(folder.string() + ": cannot open folder: " + std::strerror(errno));
+    return handle;
+  }
+
+  // Reads `relative` in `folder`, which `directory` holds open (see openFolder); `file` names
+  // it for the listing.
+  ListingText read(const FileHandle& directory, const fs::path& folder, std::string_view relative, std::string file,
+                   bool parentIsLink) {
+    ListingText result{.text = std::nullopt,
+                       .frame = {},
+                       .path = joined(folder, relative),
+                       .file = std::move(file),
+                       .source = TextSource::none};
     const fs::path& path = result.path;
-    // Opened relative to the open folder, so that only the file's own name is looked up;
-    // without following a final link, so that one open answers most files (a link is
-    // followed only once it is known to stay inside the root); non-blocking, so that a
-    // named pipe is refused rather than waited on.
-    const std::string name(relative);
+    // Opened relative to the open folder, so that only the file's own name is looked up
+    // (the path ends in it, so it needs no string of its own); without following a final
+    // link, so that one open answers most files (a link is followed only once it is known
+    // to stay inside the root); non-blocking, so that a named pipe is refused rather than
+    // waited on.
+    const char* const name = path.c_str() + (path.native().size() - relative.size());
     constexpr int kFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
-    FileHandle handle(::openat(directory.get(), name.c_str(), kFlags | O_NOFOLLOW));
+    FileHandle handle(::openat(directory.get(), name, kFlags | O_NOFOLLOW));
     if (!handle) {
       if (errno == ENOENT || errno == ENOTDIR) return result;
       if (errno != ELOOP) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
       requireInside(path, canonicalRoot_);
-      handle = FileHandle(::openat(directory.get(), name.c_str(), kFlags));
+      handle = FileHandle(::openat(directory.get(), name, kFlags));
       if (!handle) throw InputError(path.string() + ": cannot read: " + std::strerror(errno));
     } else if (parentIsLink) {
       requireInside(path, canonicalRoot_);
@@ -162,23 +186,28 @@ std::optional<std::string> newestChangelog(const fs::path& folder) {
   return "changelogs/" + newest->second;
 }
 
-// Reads a locale folder into `locale`; `isLink` says whether it is reached through a
-// (checked) link. Filled in place: a LocaleFolder holds a text for every field of every
-// store, and moving one costs as much as filling it.
-void readLocale(Reader& reader, const std::string& name, const fs::path& folder, std::span<const ListingField> fields,
-                bool isLink, LocaleFolder& locale) {
-  const FileHandle directory = reader.openFolder(folder);
+// Reads the locale folder `name` of the root, which `root` holds open, into `locale`;
+// `isLink` says whether it is reached through a (checked) link. Filled in place: a
+// LocaleFolder holds a text for every field of every store, and moving one costs as much
+// as filling it.
+void readLocale(Reader& reader, const FileHandle& root, const std::string& name, const fs::path& folder,
+                std::span<const ListingField> fields, bool isLink, LocaleFolder& locale) {
+  const FileHandle directory = reader.openFolder(root, name, folder);
   locale.locale = name;
   locale.folder = folder;
   for (const auto field : fields) {
-    std::string relative(fieldFile(field));
+    std::string_view relative = fieldFile(field);
+    std::optional<std::string> newest;
     if (field == ListingField::changelog) {
-      auto newest = newestChangelog(folder);
+      newest = newestChangelog(folder);
       if (!newest) continue;  // nothing to read; the text stays empty with no file
-      relative = std::move(*newest);
+      relative = *newest;
     }
     const bool inLinkedFolder = relative.starts_with("changelogs/") && reader.checkLink(folder / "changelogs");
-    locale.text(field) = reader.read(directory, folder, relative, name + "/" + relative, isLink || inLinkedFolder);
+    std::string file;
+    file.reserve(name.size() + 1 + relative.size());
+    file.append(name).append(1, '/').append(relative);
+    locale.text(field) = reader.read(directory, folder, relative, std::move(file), isLink || inLinkedFolder);
   }
 }
 
@@ -250,15 +279,16 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
     throw InputError(message);
   }
 
+  const FileHandle rootFolder = reader.openFolder(root);
   std::optional<LocaleFolder> defaults;
   if (facts.hasDefaultFolder() && fs::is_directory(root / "default", error)) {
-    readLocale(reader, "default", root / "default", facts.localeFields(), reader.checkLink(root / "default"),
-               defaults.emplace());
+    readLocale(reader, rootFolder, "default", root / "default", facts.localeFields(),
+               reader.checkLink(root / "default"), defaults.emplace());
   }
   listing.locales.reserve(localeNames.size());
   for (const auto& [name, isLink] : localeNames) {
     LocaleFolder& locale = listing.locales.emplace_back();
-    readLocale(reader, name, root / name, facts.localeFields(), isLink, locale);
+    readLocale(reader, rootFolder, name, root / name, facts.localeFields(), isLink, locale);
     const bool anyFile = std::ranges::any_of(locale.texts, [](const ListingText& t) { return t.text.has_value(); });
     if (!anyFile && !defaults) {
       throw InputError(locale.folder.string() + ": locale folder holds none of the metadata files");
@@ -276,7 +306,6 @@ ListingFolder readListingFolder(const fs::path& root, const StoreFacts& facts,
   listing.defaults = std::move(defaults);
 
   const bool reviewIsLink = !facts.sharedFields().empty() && reader.checkLink(root / "review_information");
-  const FileHandle rootFolder = reader.openFolder(root);
   for (const auto field : facts.sharedFields()) {
     const std::string_view file = fieldFile(field);
     listing.sharedText(field) =

@@ -79,6 +79,13 @@ ActionGuidance autoFix(std::string title, std::string description, Action altern
 bool hasSpaceOrControl(std::string_view address) {
   const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(address.data());
   for (std::size_t at = 0; at < address.size();) {
+    // In ASCII, which addresses mostly are, white space and control characters are the
+    // bytes up to ' ' and DEL.
+    if (bytes[at] < 0x80) {
+      if (bytes[at] <= ' ' || bytes[at] == 0x7F) return true;
+      ++at;
+      continue;
+    }
     utf8proc_int32_t codePoint = 0;
     const auto length = utf8proc_iterate(bytes + at, static_cast<utf8proc_ssize_t>(address.size() - at), &codePoint);
     if (length <= 0) return true;  // not UTF-8: the reader refuses such files before rules run
@@ -530,14 +537,17 @@ void ListingRules::judgeKeywords(std::string_view text, const std::string& file,
                                  std::vector<ListingFinding>& out) const {
   constexpr auto field = ListingField::keywords;
   if (const auto level = levelOf("keywords.duplicate")) {
+    const auto keywords = splitKeywords(text);
     std::vector<std::string> seen;
-    const std::string fixed = withoutDuplicateKeywords(text);
-    for (const auto& keyword : splitKeywords(text)) {
+    seen.reserve(keywords.size());
+    std::optional<std::string> fixed;  // made for the first repeat: most lists have none
+    for (const auto& keyword : keywords) {
       std::string lower = lowercased(keyword.text);
       if (std::ranges::find(seen, lower) == seen.end()) {
         seen.push_back(std::move(lower));
         continue;
       }
+      if (!fixed) fixed = withoutDuplicateKeywords(text);
       const std::string quoted = fmt::format("'{}'", keyword.text);
       out.push_back(
           finding("keywords.duplicate", *level, field, file, positionAt(text, keyword.offset),
@@ -597,6 +607,7 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
   thread_local TokenizedText words;
   matcher.clear();
   std::vector<std::size_t> spanOf;  // phrase index -> keyword
+  spanOf.reserve(spans.size());
   for (std::size_t i = 0; i < spans.size(); ++i) {
     if (matcher.add(spans[i].text)) spanOf.push_back(i);
   }
@@ -622,7 +633,7 @@ std::vector<ListingFinding> ListingRules::judgeKeywordRepeats(std::string_view k
 
 void ListingRules::judgeUrl(ListingField field, std::string_view text, const std::string& file,
                             std::vector<ListingFinding>& out) const {
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   const std::string_view address = trimmed(text);
   const bool clean = !hasSpaceOrControl(address);
   // Schemes are case-insensitive; an address needs a host a browser can look up after the
@@ -718,7 +729,7 @@ void ListingRules::judgeCategory(ListingField field, std::string_view text, cons
 void ListingRules::judgeContact(ListingField field, std::string_view text, const std::string& file,
                                 std::vector<ListingFinding>& out) const {
   const std::string_view value = trimmed(text);
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   if (field == ListingField::reviewPhone) {
     if (looksLikePhoneNumber(value)) return;
     if (const auto level = levelOf("review-phone.format")) {
@@ -761,7 +772,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       !levelOf("content.placeholder")) {
     return;
   }
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   // Reused by every call on this thread, so that judging many texts allocates little.
   thread_local TokenizedText tokens;
   tokens.assign(text);
@@ -790,7 +801,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
       if (!isAllowed(match)) hits.push_back({match.offset, match.length, "title.claim"});
     }
   }
-  if (levelOf("content.placeholder")) {
+  if (!tokens.links().empty() && levelOf("content.placeholder")) {
     for (const auto& link : tokens.links()) {
       if (facts_.isPlaceholderHost(link.host)) hits.push_back({link.offset, link.length, "content.placeholder"});
     }
@@ -826,7 +837,7 @@ void ListingRules::judgeContent(ListingField field, std::string_view text, const
 
 void ListingRules::judgeTitle(std::string_view text, const std::string& file, std::vector<ListingFinding>& out) const {
   constexpr auto field = ListingField::title;
-  const std::string label = facts_.field(field).label;
+  const std::string& label = facts_.field(field).label;
   if (const auto level = levelOf("title.emoji")) {
     struct Hit {
       std::size_t offset;

@@ -321,6 +321,9 @@ TEST(ListingRulesTest, AddressMessagesSayWhatIsWrong) {
   for (const auto& c : std::vector<AddressCase>{
            {"https://larkspur-notes.app/a b", "Support URL contains a space or a control character"},
            {"https://larkspur-notes.app/\u00A0x", "Support URL contains a space or a control character"},
+           {"https://larkspur-notes.app/\tx", "Support URL contains a space or a control character"},
+           {"https://larkspur-notes.app/\x01x", "Support URL contains a space or a control character"},
+           {"https://larkspur-notes.app/\x7Fx", "Support URL contains a space or a control character"},
            {"https://larkspur-notes.app/\u202Eevil", "Support URL contains a space or a control character"},
            {"https://user@/help", "Support URL is not a complete web address"}}) {
     const auto found = rules.judge(ListingField::supportUrl, c.address, "en-US/support_url.txt");

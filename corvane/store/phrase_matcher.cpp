@@ -83,6 +83,9 @@ CharClass classify(std::int32_t codePoint, const utf8proc_property_t& property) 
     case UTF8PROC_CATEGORY_NL:
     case UTF8PROC_CATEGORY_NO:
     case UTF8PROC_CATEGORY_PC:
+      // The scripts before Thai (Latin, Greek, Cyrillic, Hebrew, Arabic, Indic) all space their
+      // words, so their letters skip the range tests below.
+      if (codePoint < 0x0E00) return CharClass::letter;
       if (isWrittenWithoutSpaces(codePoint)) return CharClass::alone;
       return isHangul(codePoint) ? CharClass::hangul : CharClass::letter;
     case UTF8PROC_CATEGORY_MN:
@@ -96,25 +99,69 @@ CharClass classify(std::int32_t codePoint, const utf8proc_property_t& property) 
 
 // Decodes the code point at `p` (before `end`) into `codePoint`, or kInvalidByte when the
 // byte at `p` does not start well-formed UTF-8. Returns the bytes taken, at least one.
+// Well-formed as utf8proc reads it: no overlong forms, no surrogates, nothing past
+// U+10FFFF, so the second byte's range depends on the first. Decoded here rather than by
+// utf8proc_iterate, as a call per character costs more than the decoding.
 std::size_t decode(const Byte* p, const Byte* end, std::int32_t& codePoint) noexcept {
-  if (*p < 0x80) {
-    codePoint = *p;
+  const Byte lead = *p;
+  if (lead < 0x80) {
+    codePoint = lead;
     return 1;
   }
-  // Two-byte sequences (Latin, Greek, Cyrillic, Hebrew, Arabic letters) are the most common
-  // after ASCII and are decoded here; the rest is left to utf8proc.
-  if (*p >= 0xC2 && *p < 0xE0 && end - p >= 2 && (p[1] & 0xC0) == 0x80) {
-    codePoint = ((*p & 0x1F) << 6) | (p[1] & 0x3F);
-    return 2;
+  const auto available = end - p;
+  const auto within = [](Byte byte, Byte low, Byte high) { return byte >= low && byte <= high; };
+  const auto bits = [&](std::ptrdiff_t i) { return static_cast<std::int32_t>(p[i] & 0x3F); };
+  if (within(lead, 0xC2, 0xDF)) {
+    if (available >= 2 && within(p[1], 0x80, 0xBF)) {
+      codePoint = ((lead & 0x1F) << 6) | bits(1);
+      return 2;
+    }
+  } else if (within(lead, 0xE0, 0xEF)) {
+    const Byte low = lead == 0xE0 ? 0xA0 : 0x80;
+    const Byte high = lead == 0xED ? 0x9F : 0xBF;
+    if (available >= 3 && within(p[1], low, high) && within(p[2], 0x80, 0xBF)) {
+      codePoint = ((lead & 0x0F) << 12) | (bits(1) << 6) | bits(2);
+      return 3;
+    }
+  } else if (within(lead, 0xF0, 0xF4)) {
+    const Byte low = lead == 0xF0 ? 0x90 : 0x80;
+    const Byte high = lead == 0xF4 ? 0x8F : 0xBF;
+    if (available >= 4 && within(p[1], low, high) && within(p[2], 0x80, 0xBF) && within(p[3], 0x80, 0xBF)) {
+      codePoint = ((lead & 0x07) << 18) | (bits(1) << 12) | (bits(2) << 6) | bits(3);
+      return 4;
+    }
   }
-  const auto length = utf8proc_iterate(p, end - p, &codePoint);
-  if (length > 0) return static_cast<std::size_t>(length);
   codePoint = kInvalidByte;
   return 1;
 }
 
 char lowerAscii(Byte c) noexcept {
   return static_cast<char>(c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c);
+}
+
+// How a character takes part in tokens, and whether it is its own comparison form, as most
+// characters are (see appendKey).
+struct CharInfo {
+  CharClass kind;
+  bool asWritten;
+};
+
+// A character's CharInfo from its properties; takes a code point from 0x80 on.
+CharInfo infoFromProperties(std::int32_t codePoint) noexcept {
+  const utf8proc_property_t& property = *utf8proc_get_property(codePoint);
+  return {classify(codePoint, property), codePoint != kRightSingleQuote && property.lowercase_seqindex == UINT16_MAX};
+}
+
+// The CharInfo of every character written in two bytes (U+0080 to U+07FF: Latin, Greek,
+// Cyrillic, Armenian, Hebrew, Arabic and more), looked up once: in texts in those scripts
+// nearly every letter is one, and a table is read faster than utf8proc's properties.
+const std::array<CharInfo, 0x800>& twoByteInfos() {
+  static const auto infos = [] {
+    std::array<CharInfo, 0x800> table{};
+    for (std::int32_t c = 0x80; c < 0x800; ++c) table[static_cast<std::size_t>(c)] = infoFromProperties(c);
+    return table;
+  }();
+  return infos;
 }
 
 // Appends the `length` ASCII bytes at `p` in lower case.
@@ -137,25 +184,15 @@ AsciiWord asciiWordEnd(const Byte* p, const Byte* end) noexcept {
   return {q, (seen & kUpperWordByte) != 0};
 }
 
-// Whether the character `bytes` (decoded as `codePoint`, whose properties are `property`
-// from 0x80 on) is its own comparison form, as most characters are.
-bool comparesAsWritten(std::int32_t codePoint, std::string_view bytes, const utf8proc_property_t* property) {
-  if (codePoint < 0) return true;
-  if (codePoint < 0x80) return lowerAscii(static_cast<Byte>(bytes.front())) == bytes.front();
-  return codePoint != kRightSingleQuote && property->lowercase_seqindex == UINT16_MAX;
-}
-
-// Appends the comparison form of the character `bytes` (decoded as `codePoint`, whose
-// properties are `property` from 0x80 on): its simple lower-case mapping, with ’ as '.
-void appendKey(std::string& keys, std::int32_t codePoint, std::string_view bytes, const utf8proc_property_t* property) {
-  if (codePoint < 0) {
-    keys += bytes.front();
+// Appends the comparison form of the character `bytes` (decoded as `codePoint`, which is
+// `asWritten` when it is its own form): its simple lower-case mapping, with ’ as '.
+void appendKey(std::string& keys, std::int32_t codePoint, std::string_view bytes, bool asWritten) {
+  if (asWritten) {
+    keys.append(bytes);  // already lower case, without case, or an invalid byte
   } else if (codePoint < 0x80) {
     keys += lowerAscii(static_cast<Byte>(bytes.front()));
   } else if (codePoint == kRightSingleQuote) {
     keys += '\'';
-  } else if (property->lowercase_seqindex == UINT16_MAX) {
-    keys.append(bytes);  // already lower case, or without case
   } else {
     Byte encoded[4];
     const auto written = utf8proc_encode_char(utf8proc_tolower(codePoint), encoded);
@@ -327,6 +364,7 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
 
   const auto* const begin = reinterpret_cast<const Byte*>(text.data());
   const auto* const end = begin + text.size();
+  const auto& twoBytes = twoByteInfos();
   CharClass previous = CharClass::space;  // the last character's class, marks resolved
   bool spaceBefore = false;
 
@@ -351,18 +389,19 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
   const auto keysSize = [&] { return static_cast<std::uint32_t>(keys.size()); };
   const Byte* p = begin;
   while (p != end) {
-    const auto offset = static_cast<std::uint32_t>(p - begin);
     // Most text is ASCII: white space and whole words are taken here at once, and only the
-    // rest is decoded character by character below.
+    // rest is decoded character by character below. What follows white space is looked at
+    // straight away, as it is mostly a word.
     if (*p < 0x80 && kAsciiClasses[*p] == CharClass::space) {
-      endRun(offset);
+      endRun(static_cast<std::size_t>(p - begin));
       do {
         ++p;
       } while (p != end && *p < 0x80 && kAsciiClasses[*p] == CharClass::space);
       spaceBefore = true;
       previous = CharClass::space;
-      continue;
+      if (p == end) break;
     }
+    const auto offset = static_cast<std::uint32_t>(p - begin);
     if (kWordBytes[*p] != 0) {
       const auto [wordEnd, upperCase] = asciiWordEnd(p, end);
       startRun(offset);
@@ -398,10 +437,11 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     const auto length = decode(p, end, codePoint);
     const std::string_view bytes = text.substr(offset, length);
     p += length;
-    const utf8proc_property_t* property = codePoint >= 0x80 ? utf8proc_get_property(codePoint) : nullptr;
-    auto kind = codePoint < 0      ? CharClass::other
-                : property == nullptr ? kAsciiClasses[static_cast<std::size_t>(codePoint)]
-                                      : classify(codePoint, *property);
+    auto [kind, asWritten] = codePoint < 0       ? CharInfo{CharClass::other, true}
+                             : codePoint < 0x80  ? CharInfo{kAsciiClasses[static_cast<std::size_t>(codePoint)],
+                                                           lowerAscii(static_cast<Byte>(codePoint)) == codePoint}
+                             : codePoint < 0x800 ? twoBytes[static_cast<std::size_t>(codePoint)]
+                                                 : infoFromProperties(codePoint);
     if (kind == CharClass::space) {
       endRun(offset);
       spaceBefore = true;
@@ -430,11 +470,11 @@ void TokenizedText::split(std::string_view text, bool findLinks) {
     }
     auto& token = list.back();
     token.length += static_cast<std::uint32_t>(length);
-    if (comparesAsWritten(codePoint, bytes, property) && keyContinuesInText(token, offset)) {
+    if (asWritten && keyContinuesInText(token, offset)) {
       token.keyEnd += static_cast<std::uint32_t>(length);
     } else {
       ownKey(token);
-      appendKey(keys, codePoint, bytes, property);
+      appendKey(keys, codePoint, bytes, asWritten);
       token.keyEnd = keysSize();
     }
   }
@@ -566,16 +606,23 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(std::string_view text) const {
 std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const {
   std::vector<PhraseMatch> matches;
   if (phrases_.empty()) return matches;
-  const auto& list = text.tokens_;
+  // Read through locals: the compiler cannot tell that adding a match leaves the tokens be,
+  // and would load them afresh for every token otherwise.
+  const TokenizedText::Token* const tokens = text.tokens_.data();
+  const std::size_t count = text.tokens_.size();
+  const char* const textBase = text.text_.data();
+  const char* const keysBase = text.keys_.data();
 
   // The longest phrase that matches from token `first` on: its token count (0 when none
   // matches) and index.
   const auto longestAt = [&](std::size_t first) {
     std::pair<std::size_t, std::size_t> best{0, 0};
-    if (list[first].inLink) return best;
-    const auto key = text.key(list[first]);
+    const auto& token = tokens[first];
+    const std::string_view key((token.keyInText ? textBase : keysBase) + token.keyBegin,
+                               std::size_t{token.keyEnd} - token.keyBegin);
     const auto [word, bit] = filterBit(key);
-    if ((firstTokenBits_[word] & bit) == 0) return best;
+    // Words in links are few: they are turned away only once the filter lets them pass.
+    if ((firstTokenBits_[word] & bit) == 0 || token.inLink) return best;
     for (auto index = firstPhrase_[slotOf(key, hashKey(key))]; index != kNone; index = phrases_[index].next) {
       const auto length = phrases_[index].tokenEnd - phrases_[index].tokenBegin;
       if (length > best.first && matchesAt(phrases_[index], text, first)) best = {length, index};
@@ -583,14 +630,14 @@ std::vector<PhraseMatch> PhraseMatcher::findAll(const TokenizedText& text) const
     return best;
   };
 
-  for (std::size_t first = 0; first < list.size();) {
+  for (std::size_t first = 0; first < count;) {
     const auto [length, phrase] = longestAt(first);
     if (length == 0) {
       ++first;
       continue;
     }
-    const auto& last = list[first + length - 1];
-    matches.push_back({list[first].offset, std::size_t{last.offset} + last.length - list[first].offset, phrase});
+    const auto& last = tokens[first + length - 1];
+    matches.push_back({tokens[first].offset, std::size_t{last.offset} + last.length - tokens[first].offset, phrase});
     first += length;
   }
   return matches;

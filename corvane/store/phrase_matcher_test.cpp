@@ -123,6 +123,32 @@ TEST(PhraseMatcherTest, WhiteSpaceInAPhraseMatchesAnyRunOfWhiteSpace) {
   }
 }
 
+// At the edges of UTF-8's ranges: a malformed sequence (overlong, a surrogate, past U+10FFFF,
+// cut short, a bad continuation byte) is a character per byte, so a phrase of its first byte
+// alone matches there; a well-formed one is a single character that the byte never matches.
+TEST(PhraseMatcherTest, MalformedUtf8IsReadByteByByte) {
+  struct Case {
+    std::string text;
+    bool wellFormed;
+  };
+  const std::vector<Case> cases = {
+      {"\xC0\x80", false},        {"\xC1\xBF", false},         {"\xC2\x80", true},          {"\xDF\xBF", true},
+      {"\xE0\x80\x80", false},    {"\xE0\x9F\xBF", false},     {"\xE0\xA0\x80", true},      {"\xED\x9F\xBF", true},
+      {"\xED\xA0\x80", false},    {"\xED\xBF\xBF", false},     {"\xEE\x80\x80", true},      {"\xE2\x82\xAC", true},
+      {"\xE2\x82", false},        {"\xE2\x28\xA1", false},     {"\xF0\x8F\xBF\xBF", false}, {"\xF0\x90\x80\x80", true},
+      {"\xF4\x8F\xBF\xBF", true}, {"\xF4\x90\x80\x80", false}, {"\xF5\x80\x80\x80", false}, {"\xF0\x9F\x98", false},
+  };
+  for (const auto& [text, wellFormed] : cases) {
+    SCOPED_TRACE(testing::PrintToString(text));
+    const auto matcher = matcherFor({text.substr(0, 1)});
+    if (wellFormed) {
+      EXPECT_THAT(matcher.findAll(text), IsEmpty());
+    } else {
+      EXPECT_THAT(matcher.findAll(text), ElementsAre(PhraseMatch{0, 1, 0}));
+    }
+  }
+}
+
 TEST(PhraseMatcherTest, LongestMatchWinsAndMatchesDoNotOverlap) {
   const auto matcher = matcherFor({"Google", "Google Play", "Play Store", "store"});
   expectMatches(matcher, {

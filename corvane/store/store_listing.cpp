@@ -753,13 +753,18 @@ std::string StoreListing::checklistId(const ListingEntity& entity, ListingField 
   // A changelog is named after its version code, which only the file read knows.
   if (&entity == shared_.get()) return std::string(fieldFile(field));
   if (field == ListingField::changelog) return entity.file(field);
-  return entity.scope() + "/" + std::string(fieldFile(field));
+  const std::string_view file = fieldFile(field);
+  std::string id;
+  id.reserve(entity.scope().size() + 1 + file.size());
+  id.append(entity.scope()).append(1, '/').append(file);
+  return id;
 }
 
 std::vector<CompletionItem> StoreListing::checklist(const ListingEntity& entity,
                                                     const std::vector<ListingFinding>& findings) const {
   std::vector<CompletionItem> items;
   const bool isSharedEntity = &entity == shared_.get();
+  items.reserve(entity.fields().size() + (isSharedEntity ? folderFindings_.size() : 0));
   for (const auto field : entity.fields()) {
     const auto& about = facts_.field(field);
     const bool empty = trimmed(entity.text(field)).empty();

@@ -99,6 +99,27 @@ TEST(StoreListingTest, EachLocaleHasOnlyItsOwnFiles) {
   EXPECT_EQ(folder.locales[1].text(ListingField::name).value(), "Notes");
 }
 
+TEST(StoreListingTest, EveryTextsPathIsItsFolderJoinedWithItsFile) {
+  // Spelled exactly as `folder / file` would be, with the root given with and without a
+  // final slash, for files that are there and files that are not.
+  TemporaryFolder temporary;
+  writeFile(temporary.path() / "de-DE" / "name.txt", "Notes\n");
+  writeFile(temporary.path() / "copyright.txt", "2026 Larkspur\n");
+  for (const fs::path& root : {temporary.path(), fs::path(temporary.path().native() + "/")}) {
+    SCOPED_TRACE(root.native());
+    const auto folder = readListingFolder(root, facts());
+    ASSERT_EQ(folder.locales.size(), 1u);
+    for (const auto field : kLocaleFields) {
+      EXPECT_EQ(folder.locales[0].text(field).path.native(), (root / "de-DE" / fieldFile(field)).native());
+    }
+    for (const auto field : kSharedFields) {
+      EXPECT_EQ(folder.sharedText(field).path.native(), (root / fieldFile(field)).native());
+    }
+    EXPECT_TRUE(folder.locales[0].text(ListingField::name).text.has_value());
+    EXPECT_TRUE(folder.sharedText(ListingField::copyright).text.has_value());
+  }
+}
+
 TEST(StoreListingTest, UnknownLocaleFoldersAreBlockersWithASuggestion) {
   TemporaryFolder temporary;
   const auto root = temporary.path();
